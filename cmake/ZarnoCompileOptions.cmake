@@ -1,0 +1,8 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# One interface target with the options of our own code. Audio must be the same bits in every build: no
+# contraction into fused multiply-adds, no fast-math, SSE2 as the baseline on every system.
+add_library(zarno_options INTERFACE)
+target_compile_options(zarno_options INTERFACE -Wall -Wextra -ffp-contract=off)
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    target_compile_options(zarno_options INTERFACE -msse2 -mfpmath=sse)
+endif()
