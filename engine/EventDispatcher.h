@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/ActiveGroups.h"
+#include "engine/EngineEvent.h"
+#include "engine/Modulation.h"
+#include "engine/VoicePool.h"
+#include "engine/ZRandom.h"
+
+#include <array>
+#include <functional>
+
+namespace zarno {
+
+// Deals one event out: to the group triggers, to the notes of the active groups, to the voices and to the
+// controllers. Holds what the player has done so far: last velocities, controller values, program, pedal.
+// Audio thread.
+class EventDispatcher {
+  public:
+    // The instrument's parts that events act on; all outlive the dispatcher.
+    struct Targets {
+        InstrumentSettings& settings;
+        PlayContext& context;
+        Modulation& modulation;
+        VoicePool& pool;
+        ZRandom& random;
+    };
+
+    EventDispatcher(Targets targets, const ActiveGroups::Groups& groups);
+
+    // What controllers ask of the instrument as a whole.
+    std::function<void()> applySettings;
+    std::function<void(int channel)> resetControllers;
+
+    // nowMs: the time of the event's own sample.
+    void dispatch(const EngineEvent& event, double nowMs);
+
+    ActiveGroups& activeGroups() { return activeGroups_; }
+    const ActiveGroups& activeGroups() const { return activeGroups_; }
+    void liftPedal() { sustainPedal_ = false; }
+
+  private:
+    void dealToGroup(ZGroup& group, const EngineEvent& event, double nowMs);
+    int releaseVelocity(const ZGroup& group, int key, double nowMs) const;
+    void startNoteInGroup(ZGroup& group, int key, int velocity, double nowMs);
+    void startZone(ZZone& zone, int key, int velocity, int channelTag, double nowMs);
+    void releaseKey(int key, int channel);
+    void handleController(int number, int value, int channel);
+    void setDepthFrom(LfoDepthSource source, float depth);
+
+    Targets to_;
+    std::array<std::uint8_t, 128> controllers_{};
+    std::array<std::uint8_t, 128> lastVelocity_;
+    std::array<double, 128> noteOnTime_{}; // ms
+    int program_ = 0;
+    bool sustainPedal_ = false;
+    ActiveGroups activeGroups_;
+};
+
+} // namespace zarno

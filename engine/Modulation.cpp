@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Modulation.h"
+
+#include "engine/Tables.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zarno {
+namespace {
+
+// Bend ratio and expression gain move by this much a sample at every rate, on purpose.
+constexpr float smoothingStep = 0.01f;
+
+constexpr float silentGain = 1e-6f;
+
+} // namespace
+
+Modulation::Modulation(InstrumentSettings& settings, PlayContext& context)
+    : settings_(settings)
+    , context_(context) {
+    applySettings();
+    expressionCurrent_ = expressionTarget_;
+}
+
+void Modulation::moveToward(float& current, float target) {
+    if (std::fabs(target - current) < smoothingStep)
+        current = target;
+    else
+        current += target > current ? smoothingStep : -smoothingStep;
+}
+
+void Modulation::fill(ModulationSegment& segment, int frames) {
+    segment.frames = frames;
+    segment.modulated = context_.lfoDepth > 0.0f;
+    for (int i = 0; i < frames; ++i)
+        segment.lfo[i] = lfo_.step();
+    fillPitch(segment, frames);
+    fillLevels(segment, frames);
+}
+
+void Modulation::fillPitch(ModulationSegment& segment, int frames) {
+    const float target = bendTarget_.load(std::memory_order_relaxed);
+    segment.movingFrames = 0;
+    for (int i = 0; i < frames; ++i) {
+        if (bendCurrent_ != target) {
+            moveToward(bendCurrent_, target);
+            segment.movingFrames = i + 1;
+        }
+        segment.bendRatio[i] = bendCurrent_;
+    }
+    const bool vibrato = context_.lfoMovesPitch;
+    segment.maxPitchRatio = 0.0f;
+    for (int i = 0; i < frames; ++i) {
+        float ratio = segment.bendRatio[i];
+        if (vibrato) ratio *= semitoneRatio(segment.lfo[i] * context_.lfoDepth);
+        segment.pitchRatio[i] = ratio;
+        segment.maxPitchRatio = std::max(segment.maxPitchRatio, ratio);
+    }
+}
+
+void Modulation::fillLevels(ModulationSegment& segment, int frames) {
+    const auto destination = static_cast<LfoDestination>(settings_.lfoDestination.load());
+    const float depth = context_.lfoDepth;
+    for (int i = 0; i < frames; ++i) {
+        moveToward(expressionCurrent_, expressionTarget_);
+        if (destination == LfoDestination::Expression) expressionCurrent_ = std::fabs(segment.lfo[i] * depth);
+        if (destination == LfoDestination::Pan) placePan(segment.lfo[i] * depth);
+        segment.expression[i] = expressionCurrent_;
+        segment.panLeft[i] = pan_.left;
+        segment.panRight[i] = pan_.right;
+    }
+    // The LFO writes the pan setting itself, on purpose: the sound stays where the LFO left it.
+    if (destination == LfoDestination::Pan) settings_.pan = segment.lfo[frames - 1] * depth;
+}
+
+void Modulation::showSample(const ModulationSegment& segment, int index) {
+    context_.bendRatio = segment.bendRatio[index];
+    context_.pitchMoving = index < segment.movingFrames;
+    context_.lfoValue = segment.lfo[index];
+}
+
+void Modulation::placePan(float pan) {
+    pan_ = panGains(pan);
+}
+
+void Modulation::setBendValue(int value) {
+    const float amount = value == 8192 ? 0.0f : static_cast<float>(value) * 0.00012207031f - 1.0f;
+    setBendAmount(amount);
+}
+
+void Modulation::setBendAmount(float amount) {
+    const float range = static_cast<float>(bendRange_.load(std::memory_order_relaxed));
+    bendTarget_.store(semitoneRatio(range * finiteOr(amount, 0.0f)), std::memory_order_relaxed);
+}
+
+void Modulation::applySettings() {
+    const float volume = decibelGain(finiteOr(settings_.volume, 0.0f));
+    expressionTarget_ = volume < silentGain ? 0.0f : volume;
+    placePan(finiteOr(settings_.pan, 0.0f));
+    lfo_.setRate(finiteOr(settings_.lfoRate, 3.0f), sampleRate_);
+    lfo_.setShape(settings_.lfoShape);
+}
+
+void Modulation::setSampleRate(double sampleRate) {
+    sampleRate_ = sampleRate;
+    lfo_.setRate(finiteOr(settings_.lfoRate, 3.0f), sampleRate);
+}
+
+} // namespace zarno

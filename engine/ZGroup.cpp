@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/ZGroup.h"
+
+#include <algorithm>
+
+namespace zarno {
+
+ZZone& ZGroup::addZone(std::unique_ptr<ZZone> zone) {
+    zone->group = this;
+    const auto index = static_cast<std::uint32_t>(zones_.size());
+    const int low = std::max(zone->record.lowKey, 0), high = std::min(zone->record.highKey, 127);
+    for (int key = low; key <= high; ++key)
+        byKey_[static_cast<std::size_t>(key)].push_back(index);
+    zones_.push_back(std::move(zone));
+    return *zones_.back();
+}
+
+bool ZGroup::takes(int key, int velocity) const {
+    return record.lowKey <= key && key <= record.highKey && record.lowVelocity <= velocity &&
+           velocity <= record.highVelocity;
+}
+
+// First matching zone in the round that begins at start, leaving out one zone (-1: none); -1 when none.
+int ZGroup::firstMatchFrom(int start, int key, int velocity, int refused) const {
+    const auto& filed = byKey_[static_cast<std::size_t>(key)];
+    const auto middle = std::lower_bound(filed.begin(), filed.end(), static_cast<std::uint32_t>(start));
+    const auto find = [&](auto from, auto to) {
+        return std::find_if(from, to, [&](std::uint32_t index) {
+            return static_cast<int>(index) != refused && zones_[index]->matches(key, velocity);
+        });
+    };
+    if (const auto hit = find(middle, filed.end()); hit != filed.end()) return static_cast<int>(*hit);
+    if (const auto hit = find(filed.begin(), middle); hit != middle) return static_cast<int>(*hit);
+    return -1;
+}
+
+ZZone* ZGroup::selectZone(int key, int velocity, ZRandom& random) {
+    const int count = static_cast<int>(zones_.size());
+    if (count == 0) return nullptr;
+    const auto mode = static_cast<SelectionMode>(record.selectionMode.load());
+    const bool randomRobin = mode == SelectionMode::RandomRobin;
+    const int start =
+        randomRobin || mode == SelectionMode::TotalRandom ? random.below(count) : (lastPlayed_ + 1) % count;
+    if (!takes(key, velocity)) return nullptr;
+
+    int chosen = firstMatchFrom(start, key, velocity, randomRobin ? lastPlayed_ : -1);
+    if (chosen < 0 && randomRobin) chosen = firstMatchFrom(start, key, velocity, -1);
+    if (chosen < 0) return nullptr;
+    lastPlayed_ = chosen;
+    return zones_[static_cast<std::size_t>(chosen)].get();
+}
+
+} // namespace zarno

@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/Records.h"
+#include "engine/ZRandom.h"
+#include "engine/ZZone.h"
+
+#include <array>
+#include <atomic>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace zarno {
+
+// An ordered list of zones with a rule for choosing among those that match a note. Zones are added by the
+// loading thread; the rest is the audio thread's, but for record fields, which the window may change too.
+class ZGroup {
+  public:
+    explicit ZGroup(std::string groupName)
+        : name(std::move(groupName)) {}
+
+    std::string name;
+    GroupRecord record;
+    std::atomic<bool> active{false}; // written by ActiveGroups only; any thread may look
+
+    // Takes the zone over and files it under its keys: its record must be complete by now.
+    ZZone& addZone(std::unique_ptr<ZZone> zone);
+    const std::vector<std::unique_ptr<ZZone>>& zones() const { return zones_; }
+
+    // Any thread: values derived from the record are stale from now on. Call it after the record changed.
+    void touch() { generation_.fetch_add(1, std::memory_order_release); }
+    std::uint32_t generation() const { return generation_.load(std::memory_order_acquire); }
+
+    bool isReleaseTrigger() const { return record.releaseTrigger != 0; }
+
+    // Whether the group's own key and velocity ranges take the note.
+    bool takes(int key, int velocity) const;
+
+    // "Stack": calls play(zone) for every matching zone in zone order.
+    template <typename Play>
+    void forEachMatch(int key, int velocity, Play&& play) {
+        if (!takes(key, velocity)) return;
+        for (const std::uint32_t index : byKey_[static_cast<std::size_t>(key)])
+            if (zones_[index]->matches(key, velocity)) play(*zones_[index]);
+    }
+
+    // The other modes: the one zone that is due, or null. The search goes round from the zone behind the
+    // one played last (the random modes: from a random zone); Random Robin takes the zone played last only
+    // when no other matches. Reads only the zones filed under the key, in the order of the full round.
+    ZZone* selectZone(int key, int velocity, ZRandom& random);
+
+    int lastPlayed() const { return lastPlayed_; }
+
+  private:
+    int firstMatchFrom(int start, int key, int velocity, int refused) const;
+
+    std::vector<std::unique_ptr<ZZone>> zones_;
+    std::array<std::vector<std::uint32_t>, 128> byKey_; // ascending zone indices
+    std::atomic<std::uint32_t> generation_{0};
+    int lastPlayed_ = -1;
+};
+
+} // namespace zarno

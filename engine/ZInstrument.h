@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/EventDispatcher.h"
+#include "engine/EventQueue.h"
+#include "engine/InstrumentTexts.h"
+#include "engine/VoiceRenderer.h"
+#include "engine/ZReverb.h"
+#include "engine/ZSEDelegate.h"
+#include "platform/Clock.h"
+
+#include <atomic>
+
+namespace zarno {
+
+// The playable instrument: groups of zones, a pool of voices, one LFO, one reverb send and a block of
+// settings. Each operation says which thread may call it:
+//   [any]      any thread, at any time
+//   [audio]    the thread that renders
+//   [loading]  while the caller keeps the audio thread out (a load, construction, tests)
+class ZInstrument {
+  public:
+    // The clock gives note times while the host plays live; it must outlive the instrument.
+    explicit ZInstrument(const Clock& clock = systemClock());
+    ~ZInstrument();
+    ZInstrument(const ZInstrument&) = delete;
+    ZInstrument& operator=(const ZInstrument&) = delete;
+
+    // [audio] Renders the next numSamples into outputs 0 and 1 (after clearing all numOutputs), with every
+    // queued event at its sample. Output pointers may be null. Samples are clipped to -1..+1 and finite.
+    void renderBlock(float** outputs, int numOutputs, int numSamples);
+
+    // [any] Queues one short message for the coming block. type: status & 0xF0, channel 0..15. An offset
+    // beyond the block takes effect at the block's last sample.
+    void postEvent(int type, int channel, int data1, int data2, std::uint32_t sampleOffset);
+
+    // [any] -1..+1 of the bend range; acts at the next render, outside the event queue.
+    void setPitchBend(float amount) { modulation_.setBendAmount(amount); }
+
+    // [any] The host's rate in Hz. The one place where the rate enters; in force from the next render on,
+    // for sounding voices too. Unusable values count as 44100.
+    void setSampleRate(float hertz);
+    double sampleRate() const { return requestedRate_.load(std::memory_order_relaxed); }
+
+    // [any] Offline: note times follow the rendered samples instead of the clock, so that a bounce steals
+    // and decays like live playing.
+    void setOffline(bool offline) { offline_.store(offline, std::memory_order_relaxed); }
+    bool isOffline() const { return offline_.load(std::memory_order_relaxed); }
+
+    // [any] All voices stop at once, and nothing that waits begins; at the next render.
+    void requestStop() { stopRequested_.store(true, std::memory_order_release); }
+    // [any] applySettings at the next render.
+    void requestApplySettings() { applyRequested_.store(true, std::memory_order_release); }
+
+    // [audio, loading] Takes volume, pan and LFO over from the settings and tells the delegate.
+    void applySettings();
+    // [loading] Sound settings and name back to their defaults.
+    void resetSettings();
+    // [any] Posts a zero for every controller that a reset touches.
+    void resetControllers(int channel);
+
+    // [any] Single fields; applySettings says when groups of them take effect.
+    InstrumentSettings& settings() { return settings_; }
+    const InstrumentSettings& settings() const { return settings_; }
+
+    // [any, while no load runs] Groups in file order.
+    const std::vector<std::unique_ptr<ZGroup>>& groups() const { return groups_; }
+    // [any] Index of the first active group, -1 when none is.
+    int currentGroupIndex() const { return currentGroup_.load(std::memory_order_relaxed); }
+    // [audio, loading]
+    const std::vector<ZGroup*>& activeGroups() const { return dispatcher_.activeGroups().list(); }
+    void activateGroup(ZGroup* group) { dispatcher_.activeGroups().activate(group); }
+    void deactivateGroup(ZGroup* group) { dispatcher_.activeGroups().deactivate(group); }
+    void deactivateAllGroups();
+
+    // [any] Values derived from the group's record are computed anew before they are used next.
+    void prepareZones(ZGroup& group) { group.touch(); }
+
+    // [loading] Filling, in this order: clear, write settings() and texts(), rebuildPool, createGroup...
+    void clear();
+    void rebuildPool();
+    ZGroup& createGroup(std::string name);
+    InstrumentTexts& texts() { return texts_; }
+    const InstrumentTexts& texts() const { return texts_; }
+
+    // [loading] Set before the first load; null for none.
+    void setDelegate(ZSEDelegate* delegate) { delegate_ = delegate; }
+    ZSEDelegate* delegate() const { return delegate_; }
+
+    // [any] Marked while a load replaces the contents: nothing else may look into groups and zones then.
+    void setLoading(bool loading) { loading_.store(loading, std::memory_order_release); }
+    bool isLoading() const { return loading_.load(std::memory_order_acquire); }
+
+    // [any] Playing voices at the end of the last block.
+    int playingVoices() const { return playingVoices_.load(std::memory_order_relaxed); }
+
+    // [audio, loading] Makes random choices repeatable.
+    void seedRandom(std::uint32_t seed) { random_.seed(seed); }
+
+    // [audio, loading]
+    const VoicePool& pool() const { return pool_; }
+
+  private:
+    void takeRequests();
+    void applySampleRate();
+    void beginBlock();
+    void dispatchDue(int sample, bool isLast);
+    int segmentEnd(int sample, int numSamples) const;
+    void renderSegment(int frames, float* left, float* right);
+    double eventTime(int sample) const;
+    void publishCurrentGroup();
+
+    const Clock& clock_;
+    InstrumentSettings settings_;
+    InstrumentTexts texts_;
+    std::vector<std::unique_ptr<ZGroup>> groups_;
+    PlayContext context_{settings_};
+    Modulation modulation_{settings_, context_};
+    VoicePool pool_;
+    ZRandom random_;
+    EventDispatcher dispatcher_;
+    VoiceRenderer renderer_{modulation_};
+    ModulationSegment segment_;
+    ZReverb reverb_;
+    ZSEDelegate* delegate_ = nullptr;
+
+    EventQueue queue_;
+    std::vector<EngineEvent> activeEvents_;
+    std::size_t nextEvent_ = 0;
+    std::atomic<double> blockStart_; // clock ms
+    double renderedMs_ = 0.0;        // length of all blocks so far
+    double offlineOrigin_ = 0.0;     // note time of rendered sample 0 while offline
+    bool wasOffline_ = false;
+
+    std::atomic<float> requestedRate_{44100.0f};
+    std::atomic<bool> offline_{false}, stopRequested_{false}, applyRequested_{false}, loading_{false},
+        shuttingDown_{false};
+    std::atomic<int> currentGroup_{-1}, playingVoices_{0};
+};
+
+} // namespace zarno

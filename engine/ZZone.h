@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/sound/ZSoundFile.h"
+#include "engine/Envelope.h"
+#include "engine/Records.h"
+#include "engine/SampleMemory.h"
+
+#include <cstdint>
+#include <memory>
+
+namespace zarno {
+
+class ZGroup;
+
+// One sample mapped to a key and velocity range: its record, its sound file, the frames kept in memory and
+// the values derived from record and group. Built by the loading thread; while the instrument plays only the
+// audio thread touches the derived values, and nobody changes the rest.
+class ZZone {
+  public:
+    ZoneRecord record;
+    ZGroup* group = nullptr; // not owned, may be null
+    std::unique_ptr<ZSoundFile> sound;
+
+    // The whole sample, or of a streaming zone its first chunk. Zones that name the same sample share it.
+    std::shared_ptr<SampleMemory> memory;
+    std::uint64_t lengthInFrames = 0; // of the sound file
+    double fileSampleRate = 44100.0;  // Hz
+    bool mono = false;                // the sound file has one channel
+    bool streaming = false;
+    bool valid = false; // the sound file could be opened
+
+    // Attack, decay, gain and so on at this rate, computed anew when the group's values or the rate have
+    // changed. Audio thread.
+    const ZoneGains& gains(double sampleRate, std::uint32_t rateGeneration);
+
+    bool matches(int key, int velocity) const {
+        return record.lowKey <= key && key <= record.highKey && record.lowVelocity <= velocity &&
+               velocity <= record.highVelocity;
+    }
+
+    // One frame held in memory, full scale 1; silence outside it.
+    void readFrame(std::int64_t index, float& left, float& right) const;
+
+  private:
+    ZoneGains gains_;
+    std::uint64_t gainsStamp_ = ~std::uint64_t{0};
+};
+
+} // namespace zarno
