@@ -47,7 +47,7 @@ TREMOLO = {20: 0, 25: 34, 30: 34, 33: 0}  # mod wheel by bar
 
 
 def key_number(name):
-    "'''"F#4" -> 66.'''
+    """MIDI key of a name such as F#4 (66)."""
     semitone = {"C": 0, "D": 2, "E": 4, "F": 5, "G": 7, "A": 9, "B": 11}[name[0]]
     accidental = name.count("#") - name.count("b")
     return 12 * (int(name[-1]) + 1) + semitone + accidental
