@@ -82,7 +82,7 @@ Refusal Parser::head() {
 void Parser::body() {
     if (out_.incomplete) return;
     static_cast<void>(value(out_.settings, "the instrument record") &&
-                      text(out_.note, format::nameLimit, "the note") && image() &&
+                      text(out_.remark, format::nameLimit, "the remark") && image() &&
                       text(out_.layout, format::layoutLimit, "the layout text") && licences() && groups());
 }
 
@@ -94,6 +94,7 @@ bool Parser::image() {
 
 bool Parser::licences() {
     if (!value(out_.licenceCount, "the licence count")) return false;
+    if (out_.licenceCount > format::licenceLimit) return endsIn("more licence texts than there can be");
     reserve(out_.licences, out_.licenceCount, 1);
     for (std::int32_t i = 0; i < out_.licenceCount; ++i) {
         StoredText licence;

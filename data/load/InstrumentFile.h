@@ -64,7 +64,7 @@ struct InstrumentFile {
     StoredText name;
     StoredText title;
     InstrumentSettings settings; ///< as stored: live values not yet replaced by the stored ones
-    StoredText note;
+    StoredText remark;
     std::int32_t imageSize = 0; ///< as stored
     std::vector<std::uint8_t> image;
     StoredText layout;

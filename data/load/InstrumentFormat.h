@@ -13,7 +13,7 @@
 //   name               text, nameLimit: shown in the library
 //   title              text, nameLimit: the library lists a file only when it is not empty
 //   settings           InstrumentSettings, 592 bytes
-//   note               text, nameLimit
+//   remark             text, nameLimit
 //   image size         int32, then that many bytes: the panel's background, an encoded picture
 //   layout             text, layoutLimit: the panel's layout XML
 //   licence count      int32, then that many texts, nameLimit
@@ -40,6 +40,10 @@ enum Storage : std::uint8_t {
 // the last one is not part of it.
 inline constexpr std::size_t nameLimit = 1024;
 inline constexpr std::size_t layoutLimit = 10 * 1024 * 1024;
+
+// More licence texts than this are no instrument's: a byte each in the file, they would take memory by the
+// gigabyte.
+inline constexpr std::int32_t licenceLimit = 65536;
 
 // The smallest a repeated entry can be, to judge a count before room is made for it.
 inline constexpr std::size_t smallestGroup = 1 + 580 + 4;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace zarno {
 namespace {
@@ -13,9 +14,10 @@ constexpr std::size_t chunkBytes = 32 * 1024;
 
 } // namespace
 
-bool ZEmbeddedSoundFile::open(const std::string& path, const File* file, std::uint64_t position) {
+bool ZEmbeddedSoundFile::open(const std::string& path, std::shared_ptr<const File> file,
+                              std::uint64_t position) {
     name_ = path;
-    file_ = file;
+    file_ = std::move(file);
     position_ = position;
     frame_ = length_ = 0;
     open_ = false;

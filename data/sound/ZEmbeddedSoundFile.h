@@ -21,9 +21,9 @@ static_assert(sizeof(SampleBlockHeader) == 24 && offsetof(SampleBlockHeader, fra
 /// file. There is no conversion between the two widths: reading the other one gives no frames.
 class ZEmbeddedSoundFile final : public ZSoundFile {
   public:
-    bool open(const std::string& path, const File* file, std::uint64_t position) override;
+    bool open(const std::string& path, std::shared_ptr<const File> file, std::uint64_t position) override;
     bool reopen() override { return isOpen(); }
-    void close() override {} // the file belongs to the instrument
+    void close() override {} // the file is shared with the instrument's other sounds
     std::uint64_t readShort(std::int16_t* destination, std::uint64_t frames) override;
     std::uint64_t readFloat(float* destination, std::uint64_t frames) override;
     void seekFrame(std::uint64_t frame) override { frame_ = frame; }
@@ -51,7 +51,7 @@ class ZEmbeddedSoundFile final : public ZSoundFile {
     template <typename Sample>
     std::uint64_t readFirstTwoChannels(Sample* destination, std::uint64_t frames);
 
-    const File* file_ = nullptr;
+    std::shared_ptr<const File> file_;
     std::uint64_t position_ = 0;
     SampleBlockHeader header_;
     bool open_ = false;

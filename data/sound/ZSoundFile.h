@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <memory>
 #include <string>
 
 namespace zarno {
@@ -18,9 +19,9 @@ class ZSoundFile {
   public:
     virtual ~ZSoundFile() = default;
 
-    /// Opens the sound. A wave file is named by `path` alone; an embedded sound reads `file`, which must stay
-    /// open for as long as the sound is used, from `position` on, and takes `path` as its name.
-    virtual bool open(const std::string& path, const File* file, std::uint64_t position) = 0;
+    /// Opens the sound. A wave file is named by `path` alone; an embedded sound reads `file`, which it keeps
+    /// open together with its neighbours, from `position` on, and takes `path` as its name.
+    virtual bool open(const std::string& path, std::shared_ptr<const File> file, std::uint64_t position) = 0;
     /// Opens the same sound again when it is closed. What was learned about it at the first open is kept.
     virtual bool reopen() = 0;
     /// Gives the file back to the system. The sound's properties stay readable.

@@ -29,7 +29,7 @@ bool ZWaveFile::openHandle() {
     return true;
 }
 
-bool ZWaveFile::open(const std::string& path, const File*, std::uint64_t) {
+bool ZWaveFile::open(const std::string& path, std::shared_ptr<const File>, std::uint64_t) {
     close();
     path_ = path;
     headerKnown_ = false;

@@ -15,7 +15,8 @@ class ZWaveFile final : public ZSoundFile {
     ZWaveFile(const ZWaveFile&) = delete;
     ZWaveFile& operator=(const ZWaveFile&) = delete;
 
-    bool open(const std::string& path, const File* file = nullptr, std::uint64_t position = 0) override;
+    bool open(const std::string& path, std::shared_ptr<const File> file = {},
+              std::uint64_t position = 0) override;
     bool reopen() override;
     void close() override;
     /// 32-bit samples have no 16-bit form: they read as silence.

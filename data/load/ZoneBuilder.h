@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/sound/ZSoundFile.h"
+#include "engine/Records.h"
+#include "engine/ZZone.h"
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+
+namespace zarno {
+
+/// Makes zones from sound files and puts their frames into memory, in the width that the settings' 16-bit
+/// flag asks for. Zones that name the same sample share its memory for as long as the builder lives. Throws
+/// std::bad_alloc when a sample does not fit into memory. Loading thread.
+class ZoneBuilder {
+  public:
+    explicit ZoneBuilder(const InstrumentSettings& settings)
+        : settings_(settings) {}
+
+    /// Both give a zone whose record holds what the sound file says; one that is not valid when the sound
+    /// could not be opened. No wave file stays open.
+    std::unique_ptr<ZZone> fromWaveFile(const std::string& path);
+    std::unique_ptr<ZZone> fromBlock(const std::string& sampleName, std::shared_ptr<const File> file,
+                                     std::uint64_t position);
+
+    /// To be called when the zone's record was replaced: its points may ask for other frames in memory.
+    void recordChanged(ZZone& zone);
+
+  private:
+    std::unique_ptr<ZZone> build(std::unique_ptr<ZSoundFile> sound, const std::string& memoryKey);
+    void fillMemory(ZZone& zone, const std::string& memoryKey);
+
+    const InstrumentSettings& settings_;
+    std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
+};
+
+/// The record of a new zone: range and levels at their start values, points and root note from the sound.
+ZoneRecord recordFromSound(const ZSoundFile& sound);
+
+/// Moves start, end and loop points into a sample of `frames` frames, each behind the one before it.
+void clampPoints(ZoneRecord& record, std::uint64_t frames);
+
+} // namespace zarno
