@@ -28,9 +28,9 @@ class Layer:
 
 
 LAYERS = (
-    Layer("soft", 0, 48, 0.20, 0.008, 0.0004, 0.0034, 0.22, 0.022, 0.92),
-    Layer("medium", 49, 84, 0.50, 0.016, 0.0016, 0.0022, 0.32, 0.036, 1.00),
-    Layer("hard", 85, 127, 1.00, 0.026, 0.0048, 0.0013, 0.42, 0.055, 0.92),
+    Layer("soft", 0, 48, 0.20, 0.007, 0.0004, 0.0034, 0.22, 0.022, 0.92),
+    Layer("medium", 49, 84, 0.50, 0.012, 0.0016, 0.0022, 0.32, 0.036, 1.00),
+    Layer("hard", 85, 127, 1.00, 0.020, 0.0048, 0.0013, 0.42, 0.055, 0.92),
 )
 
 
@@ -64,7 +64,7 @@ def tine_motion(key, layer, rng, frequency, count):
 
     relative = 261.6 / frequency
     detail = np.random.default_rng([key, 77])  # the same for every blow at this tine
-    bell = mode(7.1 + detail.uniform(-0.1, 0.1), layer.bell, 0.30 * relative**0.45)
+    bell = mode(7.1 + detail.uniform(-0.1, 0.1), layer.bell, 0.26 * relative**0.45)
     glass = mode(20.3 + detail.uniform(-0.3, 0.3), layer.glass, 0.09 * relative**0.35)
     rise = dsp.soft_start(count, layer.contact * relative**0.4)
     return swing * rise * body, swing * rise * bell, swing * rise * glass
