@@ -1,4 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
+# Line tables are enough for stack traces and profiles, and keep objects and links small.
+set(CMAKE_C_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
+
 # One interface target with the options of our own code. Audio must be the same bits in every build: no
 # contraction into fused multiply-adds, no fast-math, SSE2 as the baseline on every system.
 add_library(zarno_options INTERFACE)
