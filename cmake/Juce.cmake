@@ -38,3 +38,6 @@ find_package(PNG REQUIRED)
 find_package(JPEG REQUIRED)
 find_package(ZLIB REQUIRED)
 target_link_libraries(zarno_juce PUBLIC PNG::PNG JPEG::JPEG ZLIB::ZLIB)
+if(WIN32)
+    target_link_directories(zarno_juce PUBLIC ${zarnoMingwLibs}/lib) # JUCE asks for zlib as plain -lz
+endif()
