@@ -6,8 +6,9 @@
 namespace zarno {
 
 // A stretch of sample frames that a voice may read without a test a frame. While the voice's position lies in
-// [origin, limit) every frame from one before it to two behind it can be read at (index - origin) and is what
-// the voice's own readFrame gives. An advance that would reach limit must be done by the voice itself.
+// [origin, limit) the frames from one before it to two behind it can be read at (index - origin) and are what
+// the voice's own readFrame gives; up to six behind it are readable memory. An advance that would reach limit
+// must be done by the voice itself.
 // An empty window (data == nullptr) sends every frame through the voice.
 struct FrameWindow {
     // Frames are counted in 32 bits inside a window.

@@ -52,10 +52,8 @@ void Modulation::fillPitch(ModulationSegment& segment, int frames) {
     const bool vibrato = context_.lfoMovesPitch;
     segment.maxPitchRatio = 0.0f;
     for (int i = 0; i < frames; ++i) {
-        float ratio = segment.bendRatio[i];
-        if (vibrato) ratio *= semitoneRatio(segment.lfo[i] * context_.lfoDepth);
-        segment.pitchRatio[i] = ratio;
-        segment.maxPitchRatio = std::max(segment.maxPitchRatio, ratio);
+        segment.vibrato[i] = vibrato ? semitoneRatio(segment.lfo[i] * context_.lfoDepth) : 1.0f;
+        segment.maxPitchRatio = std::max(segment.maxPitchRatio, segment.bendRatio[i] * segment.vibrato[i]);
     }
 }
 

@@ -14,12 +14,12 @@ struct ModulationSegment {
     static constexpr int maxFrames = 128;
 
     int frames = 0;
-    int movingFrames = 0;   // how many samples from the first on the bend ratio changes at
-    bool modulated = false; // the LFO depth is above 0: voices follow at every sample
-    float maxPitchRatio = 1.0f;
+    int movingFrames = 0;       // how many samples from the first on the bend ratio changes at
+    bool modulated = false;     // the LFO depth is above 0: voices follow at every sample
+    float maxPitchRatio = 1.0f; // of bend and vibrato together
     alignas(32) float bendRatio[maxFrames];
     alignas(32) float lfo[maxFrames];
-    alignas(32) float pitchRatio[maxFrames]; // bend and LFO together
+    alignas(32) float vibrato[maxFrames]; // the LFO as a pitch ratio; 1 when it goes elsewhere
     alignas(32) float expression[maxFrames];
     alignas(32) float panLeft[maxFrames];
     alignas(32) float panRight[maxFrames];

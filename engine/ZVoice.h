@@ -72,6 +72,7 @@ class ZVoice {
 
   private:
     friend class VoiceRenderer;
+    friend class VoiceRow;
 
     struct PendingStart {
         ZZone* zone = nullptr;

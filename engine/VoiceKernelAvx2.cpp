@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Compiled with AVX2 enabled (see CMakeLists.txt); avx2Kernels() itself runs anywhere.
+#include "engine/VoiceKernelBody.h"
+
+namespace zarno {
+
+const VoiceKernels* avx2Kernels() {
+    static constexpr VoiceKernels kernels = makeKernels("AVX2");
+    return __builtin_cpu_supports("avx2") ? &kernels : nullptr;
+}
+
+} // namespace zarno
