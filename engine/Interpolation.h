@@ -37,15 +37,16 @@ inline T interpolateHigh(T t, T ym1, T y0, T y1, T y2) {
 
 // A quality that does not exist gives silence between frames, on purpose.
 inline float interpolate4(float t, float ym1, float y0, float y1, float y2, std::int32_t quality) {
-    switch (static_cast<Quality>(quality)) {
-    case Quality::Low:
+    switch (quality) { // the values of Quality
+    case 0:
         return interpolateLow(t, y0, y1);
-    case Quality::Mid:
+    case 1:
         return interpolateMid(t, ym1, y0, y1, y2);
-    case Quality::High:
+    case 2:
         return interpolateHigh(t, ym1, y0, y1, y2);
+    default:
+        return 0.0f;
     }
-    return 0.0f;
 }
 
 // Sample memory holds 16-bit integers or floats of full scale 1.

@@ -97,6 +97,10 @@ class ZInstrument {
     // [audio, loading] Makes random choices repeatable.
     void seedRandom(std::uint32_t seed) { random_.seed(seed); }
 
+    // [audio, loading] For tests and benchmarks: other inner loops; null renders every frame by the voices
+    // themselves.
+    void useKernels(const VoiceKernels* kernels) { renderer_.useKernels(kernels); }
+
     // [audio, loading]
     const VoicePool& pool() const { return pool_; }
 
