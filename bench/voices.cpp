@@ -14,7 +14,8 @@ struct Sounding {
     std::vector<float> left, right;
 
     Sounding(int voices, int quality, int channels, bool sixteenBit, int block, Form form)
-        : left(static_cast<std::size_t>(block)), right(left) {
+        : left(static_cast<std::size_t>(block))
+        , right(left) {
         setVoices(instrument, voices);
         instrument.settings().quality = quality;
         const VoiceKernels* kernels[] = {nullptr, &sse2Kernels(), avx2Kernels()};
@@ -26,9 +27,11 @@ struct Sounding {
         zone->record.loopEnd = zone->record.endFrame;
         group.addZone(std::move(zone));
         instrument.activateGroup(&group);
-        for (int i = 0; i < voices; ++i) instrument.postEvent(midi::noteOn, 0, 48 + i % 24, 100, 0);
+        for (int i = 0; i < voices; ++i)
+            instrument.postEvent(midi::noteOn, 0, 48 + i % 24, 100, 0);
         instrument.postEvent(midi::pitchBend, 0, 1, 70, 0); // so that positions are not whole frames
-        for (int warmUp = 0; warmUp < 2000; warmUp += block) render();
+        for (int warmUp = 0; warmUp < 2000; warmUp += block)
+            render();
     }
 
     void render() {
@@ -53,9 +56,12 @@ void renderVoices(benchmark::State& state, Form form) {
 
 void cases(benchmark::internal::Benchmark* benchmark) {
     benchmark->ArgNames({"voices", "quality", "channels", "bits", "block"});
-    for (const int voices : {1, 8, 32, 128, 512}) benchmark->Args({voices, 2, 2, 16, 512});
-    for (const int quality : {0, 1}) benchmark->Args({128, quality, 2, 16, 512});
-    for (const int block : {16, 64, 4096}) benchmark->Args({128, 2, 2, 16, block});
+    for (const int voices : {1, 8, 32, 128, 512})
+        benchmark->Args({voices, 2, 2, 16, 512});
+    for (const int quality : {0, 1})
+        benchmark->Args({128, quality, 2, 16, 512});
+    for (const int block : {16, 64, 4096})
+        benchmark->Args({128, 2, 2, 16, block});
     benchmark->Args({128, 2, 1, 16, 512});
     benchmark->Args({128, 2, 2, 32, 512});
     benchmark->Args({128, 2, 1, 32, 512});

@@ -2,6 +2,10 @@
 // Compiled with AVX2 enabled (see CMakeLists.txt); avx2Kernels() itself runs anywhere.
 #include "engine/VoiceKernelBody.h"
 
+#if !defined(__AVX2__)
+#error "built without its instruction set"
+#endif
+
 namespace zarno {
 
 const VoiceKernels* avx2Kernels() {
