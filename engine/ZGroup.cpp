@@ -9,15 +9,17 @@ ZZone& ZGroup::addZone(std::unique_ptr<ZZone> zone) {
     zone->group = this;
     const auto index = static_cast<std::uint32_t>(zones_.size());
     const int low = std::max(zone->record.lowKey, 0), high = std::min(zone->record.highKey, 127);
-    for (int key = low; key <= high; ++key)
+    for (int key = low; key <= high; ++key) {
         byKey_[static_cast<std::size_t>(key)].push_back(index);
+        keys_.set(static_cast<std::size_t>(key));
+    }
     zones_.push_back(std::move(zone));
     return *zones_.back();
 }
 
-bool ZGroup::takes(int key, int velocity) const {
-    return record.lowKey <= key && key <= record.highKey && record.lowVelocity <= velocity &&
-           velocity <= record.highVelocity;
+bool ZGroup::mayMatch(int key, int velocity) const {
+    return keys_[static_cast<std::size_t>(key)] && record.lowKey <= key && key <= record.highKey &&
+           record.lowVelocity <= velocity && velocity <= record.highVelocity;
 }
 
 // First matching zone in the round that begins at start, leaving out one zone (-1: none); -1 when none.
@@ -39,9 +41,11 @@ ZZone* ZGroup::selectZone(int key, int velocity, ZRandom& random) {
     if (count == 0) return nullptr;
     const auto mode = static_cast<SelectionMode>(record.selectionMode.load());
     const bool randomRobin = mode == SelectionMode::RandomRobin;
-    const int start =
-        randomRobin || mode == SelectionMode::TotalRandom ? random.below(count) : (lastPlayed_ + 1) % count;
-    if (!takes(key, velocity)) return nullptr;
+    // Drawn whether or not anything matches, so that a seed gives the same choices whatever is played
+    // between.
+    int start = randomRobin || mode == SelectionMode::TotalRandom ? random.below(count) : lastPlayed_ + 1;
+    if (!mayMatch(key, velocity)) return nullptr;
+    if (start >= count) start = 0;
 
     int chosen = firstMatchFrom(start, key, velocity, randomRobin ? lastPlayed_ : -1);
     if (chosen < 0 && randomRobin) chosen = firstMatchFrom(start, key, velocity, -1);

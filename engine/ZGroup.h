@@ -7,6 +7,7 @@
 
 #include <array>
 #include <atomic>
+#include <bitset>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,6 +22,11 @@ class ZGroup {
         : name(std::move(groupName)) {}
 
     std::string name;
+
+  private:
+    std::bitset<128> keys_; // that have zones; beside the record's first fields
+
+  public:
     GroupRecord record;
     std::atomic<bool> active{false}; // written by ActiveGroups only; any thread may look
 
@@ -34,13 +40,14 @@ class ZGroup {
 
     bool isReleaseTrigger() const { return record.releaseTrigger != 0; }
 
-    // Whether the group's own key and velocity ranges take the note.
-    bool takes(int key, int velocity) const;
+    // Whether the group's own key and velocity ranges take the note and any zone lies at the key: what an
+    // event asks of every active group, so it reads one place in memory.
+    bool mayMatch(int key, int velocity) const;
 
     // "Stack": calls play(zone) for every matching zone in zone order.
     template <typename Play>
     void forEachMatch(int key, int velocity, Play&& play) {
-        if (!takes(key, velocity)) return;
+        if (!mayMatch(key, velocity)) return;
         for (const std::uint32_t index : byKey_[static_cast<std::size_t>(key)])
             if (zones_[index]->matches(key, velocity)) play(*zones_[index]);
     }
