@@ -8,12 +8,12 @@ namespace zarno {
 
 // The public Freeverb algorithm (Jezar at Dreampoint, 2000, public domain): per channel eight parallel
 // feedback combs with one-pole damping, then four allpasses in series. Room size, damping, wet level and
-// width are fixed; only the send belongs to the instrument. Audio thread, but for setSampleRate.
+// width are fixed; only the send belongs to the instrument. Audio thread.
 class ZReverb {
   public:
     ZReverb();
 
-    // Scales the delays to the rate (Hz) and clears them when their lengths change. Allocates.
+    // Scales the delays to the rate (Hz) and clears them when it changes. Allocates above 384 kHz only.
     void setSampleRate(double sampleRate);
 
     // Adds the reverb of (left, right) x send to the same samples. A state that is no longer finite is
