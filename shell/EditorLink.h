@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_gui_basics/juce_gui_basics.h>
+
+#include <cstdint>
+
+namespace zarno {
+
+class KeyboardRoute;
+class ZInstrument;
+
+/// What the processor tells the window that is open. All calls come on the message thread.
+class EditorWindow {
+  public:
+    virtual ~EditorWindow() = default;
+
+    /// A load was requested: show the loading overlay. May come again before loadingFinished.
+    virtual void loadingStarted() = 0;
+    /// The load has ended: hide the overlay and rebuild the panel from what the engine holds now. No load
+    /// changes the engine before this returns. The processor shows the message of a failure itself,
+    /// afterwards.
+    virtual void loadingFinished() = 0;
+};
+
+/// All that the window may ask of the processor. Calls belong to the message thread unless marked otherwise.
+class EditorLink {
+  public:
+    virtual ~EditorLink() = default;
+
+    /// The window that hears from the processor, one at a time; null when it closes. Not owned.
+    virtual void setWindow(EditorWindow* window) = 0;
+
+    /// The instrument that plays. Single settings and record fields, events and requests may be used at any
+    /// time (see its header); groups, zones and texts only while contentsLock is held: a load replaces them.
+    virtual ZInstrument& engine() = 0;
+    virtual const juce::CriticalSection& contentsLock() = 0;
+
+    /// [any thread] Counts the changes of the set of active groups. They may happen on the audio thread, so
+    /// the window asks for this from a timer.
+    virtual std::uint32_t groupsGeneration() const = 0;
+    /// [any thread] Counts the loads that have ended, so that what was remembered about groups can be told
+    /// stale.
+    virtual std::uint32_t loadGeneration() const = 0;
+
+    /// The library, in program order. Its rows are these titles; a double click selects.
+    virtual juce::ListBoxModel& instrumentList() = 0;
+    virtual juce::StringArray instrumentTitles() const = 0;
+    /// Of the instrument that is loaded or being loaded: -1 and empty when there is none, -1 also for a file
+    /// that is not in the library.
+    virtual int currentIndex() const = 0;
+    virtual juce::String currentPath() const = 0;
+
+    /// Loads the library's instrument `index`, or the file `path` when that is not empty, in the background.
+    /// Selecting the one that is current already does nothing. During a load nothing new starts; the
+    /// selection is only remembered.
+    virtual void selectInstrument(int index, const juce::String& path) = 0;
+    /// Loads the current instrument once more, after a failure or when samples were missing.
+    virtual void tryAgain() = 0;
+
+    /// [any thread]
+    virtual bool isLoading() const = 0;
+    virtual bool lastLoadSucceeded() const = 0;
+    /// [any thread] 0..1, below 0 when unknown.
+    virtual double loadProgress() const = 0;
+
+    /// What the last load did not find, and what it found in a form it cannot read: full paths.
+    struct Missing {
+        juce::StringArray notFound;
+        juce::StringArray unsupported;
+    };
+    virtual Missing missingSamples() const = 0;
+    /// The user says where the missing samples are: remembered as for the search dialog, then tryAgain.
+    virtual void locateMissingSamples(const juce::File& folder) = 0;
+
+    /// Texts kept per user, across instances and sessions.
+    virtual juce::String setting(const juce::String& key, const juce::String& fallback = {}) const = 0;
+    virtual void setSetting(const juce::String& key, const juce::String& value) = 0;
+
+    /// From the module's identity; may be empty.
+    virtual juce::String packTitle() const = 0;
+    virtual juce::String vendorText() const = 0;
+
+    /// An edit on the panel has ended (mouse let go, choice made): the host is told that there is something
+    /// to save.
+    virtual void editEnded() = 0;
+
+    /// Where the panel publishes its keyboard state.
+    virtual KeyboardRoute& keyboardRoute() = 0;
+};
+
+} // namespace zarno
