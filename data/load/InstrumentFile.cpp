@@ -28,7 +28,8 @@ class Parser {
     void body();
 
   private:
-    bool endsIn(const std::string& what);
+    bool stop(std::string reason);
+    bool endsIn(const std::string& what) { return stop("the file ends in " + what); }
     template <typename T>
     bool value(T& field, const char* what);
     bool text(StoredText& field, std::size_t limit, const std::string& what);
@@ -49,8 +50,8 @@ class Parser {
     std::unordered_map<std::string, std::size_t> blockOf_;
 };
 
-bool Parser::endsIn(const std::string& what) {
-    if (!out_.incomplete) out_.incomplete = Incomplete{in_.position(), "the file ends in " + what};
+bool Parser::stop(std::string reason) {
+    if (!out_.incomplete) out_.incomplete = Incomplete{in_.position(), std::move(reason)};
     return false;
 }
 
@@ -94,7 +95,7 @@ bool Parser::image() {
 
 bool Parser::licences() {
     if (!value(out_.licenceCount, "the licence count")) return false;
-    if (out_.licenceCount > format::licenceLimit) return endsIn("more licence texts than there can be");
+    if (out_.licenceCount > format::licenceLimit) return stop("it states too many licence texts");
     reserve(out_.licences, out_.licenceCount, 1);
     for (std::int32_t i = 0; i < out_.licenceCount; ++i) {
         StoredText licence;
@@ -128,12 +129,11 @@ bool Parser::group(std::size_t number) {
 
 bool Parser::zone(GroupEntry& group, std::size_t number) {
     ZoneEntry entry;
-    const auto where = [&] {
-        return "zone " + std::to_string(number) + " of group " + std::to_string(out_.groups.size());
-    };
-    if (!text(entry.sample, format::nameLimit, {})) return endsIn("the sample name of " + where());
+    const std::string where =
+        "zone " + std::to_string(number) + " of group " + std::to_string(out_.groups.size());
+    if (!text(entry.sample, format::nameLimit, "the sample name of " + where)) return false;
     if (out_.isEmbedded() && !sampleBlock(entry)) return false;
-    if (!in_.read(&entry.record, sizeof entry.record)) return endsIn("the record of " + where());
+    if (!in_.read(&entry.record, sizeof entry.record)) return endsIn("the record of " + where);
     group.zones.push_back(std::move(entry));
     return true;
 }

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace zarno::test {
+
+// A fresh folder for the running test, removed behind it.
+class TempFolder {
+  public:
+    TempFolder() {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        std::string name = std::string("zarno-") + test->test_suite_name() + "-" + test->name();
+        for (char& c : name)
+            if (c == '/') c = '-';
+        path_ = std::filesystem::temp_directory_path() / name;
+        std::filesystem::remove_all(path_);
+        std::filesystem::create_directories(path_);
+    }
+    ~TempFolder() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+    }
+
+    const std::filesystem::path& path() const { return path_; }
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+
+    std::string write(const std::string& name, const std::string& bytes) const {
+        const auto file = path_ / name;
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::binary) << bytes;
+        return file.string();
+    }
+
+    std::string read(const std::string& name) const {
+        std::ifstream file(path_ / name, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+  private:
+    std::filesystem::path path_;
+};
+
+} // namespace zarno::test
