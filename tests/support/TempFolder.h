@@ -33,6 +33,7 @@ class TempFolder {
     std::string write(const std::string& name, const std::string& bytes) const {
         const auto file = path_ / name;
         std::filesystem::create_directories(file.parent_path());
+        std::filesystem::remove(file); // some file systems flush a file that is replaced in place
         std::ofstream(file, std::ios::binary) << bytes;
         return file.string();
     }
