@@ -17,10 +17,10 @@ class WaveBuilder {
     }
     WaveBuilder& format(int channels, int rate, int bits, int blockAlign = -1, int tag = 1) {
         if (blockAlign < 0) blockAlign = channels * bits / 8;
-        return chunk("fmt ",
-                     raw(static_cast<std::uint16_t>(tag), static_cast<std::uint16_t>(channels),
-                         static_cast<std::uint32_t>(rate), static_cast<std::uint32_t>(rate * blockAlign),
-                         static_cast<std::uint16_t>(blockAlign), static_cast<std::uint16_t>(bits)));
+        return chunk("fmt ", raw(static_cast<std::uint16_t>(tag), static_cast<std::uint16_t>(channels),
+                                 static_cast<std::uint32_t>(rate),
+                                 static_cast<std::uint32_t>(rate) * static_cast<std::uint32_t>(blockAlign),
+                                 static_cast<std::uint16_t>(blockAlign), static_cast<std::uint16_t>(bits)));
     }
     WaveBuilder& data(const std::string& frames, std::optional<std::uint32_t> size = {}) {
         return chunk("data", frames, size);
