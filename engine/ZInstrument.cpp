@@ -39,8 +39,7 @@ VoicePool::Voices makePlainVoices(const InstrumentSettings& settings, const Play
 ZInstrument::ZInstrument(const Clock& clock)
     : clock_(clock)
     , random_(seedFromTime())
-    , dispatcher_({settings_, context_, modulation_, pool_, random_}, groups_)
-    , blockStart_(clock.nowMs()) {
+    , dispatcher_({settings_, context_, modulation_, pool_, random_}, groups_) {
     dispatcher_.applySettings = [this] { applySettings(); };
     dispatcher_.resetControllers = [this](int channel) { resetControllers(channel); };
     dispatcher_.activeGroups().onChange = [this] {

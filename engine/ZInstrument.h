@@ -10,6 +10,7 @@
 #include "platform/Clock.h"
 
 #include <atomic>
+#include <limits>
 
 namespace zarno {
 
@@ -131,9 +132,10 @@ class ZInstrument {
     EventQueue queue_;
     std::vector<EngineEvent> activeEvents_;
     std::size_t nextEvent_ = 0;
-    std::atomic<double> blockStart_; // clock ms
-    double renderedMs_ = 0.0;        // length of all blocks so far
-    double offlineOrigin_ = 0.0;     // note time of rendered sample 0 while offline
+    // Clock ms; not a number before the first block, when every immediate event is due at its start.
+    std::atomic<double> blockStart_{std::numeric_limits<double>::quiet_NaN()};
+    double renderedMs_ = 0.0;    // length of all blocks so far
+    double offlineOrigin_ = 0.0; // note time of rendered sample 0 while offline
     bool wasOffline_ = false;
 
     std::atomic<float> requestedRate_{44100.0f};

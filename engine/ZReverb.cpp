@@ -16,10 +16,10 @@ constexpr int stereoSpread = 23; // the right channel's delays are longer by thi
 constexpr float inputGain = 0.015f;
 constexpr float roomSize = 0.868f;
 constexpr float damping = 0.4f;
-constexpr float wet = 1.5f;
-constexpr float width = 0.7f;
-constexpr float wet1 = wet * (width / 2.0f + 0.5f);
-constexpr float wet2 = wet * (1.0f - width) / 2.0f;
+constexpr double wet = 1.5;
+constexpr double width = 0.7;
+constexpr auto wet1 = static_cast<float>(wet * (width / 2.0 + 0.5));
+constexpr auto wet2 = static_cast<float>(wet * (1.0 - width) / 2.0);
 
 constexpr int partFrames = 64;
 constexpr float wildInput = 1e30f; // below it, eight combs of gain 1/(1 - roomSize) cannot overflow
