@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ZInstrument.h"
 
-#include "data/stream/ZDSVoice.h"
 #include "engine/Tables.h"
 #include "platform/DenormalGuard.h"
 
@@ -27,6 +26,14 @@ bool isKeptByReset(int controller) {
     return std::find(std::begin(kept), std::end(kept), controller) != std::end(kept);
 }
 
+VoicePool::Voices makePlainVoices(const InstrumentSettings& settings, const PlayContext& context) {
+    VoicePool::Voices voices(
+        static_cast<std::size_t>(std::clamp<int>(settings.polyphony, 1, VoicePool::maxVoices)));
+    for (auto& voice : voices)
+        voice = std::make_unique<ZVoice>(context);
+    return voices;
+}
+
 } // namespace
 
 ZInstrument::ZInstrument(const Clock& clock)
@@ -41,13 +48,10 @@ ZInstrument::ZInstrument(const Clock& clock)
     };
     activeEvents_.reserve(EventQueue::ringSize);
     rebuildPool();
-    diskThread_.add(*this);
 }
 
 ZInstrument::~ZInstrument() {
     shuttingDown_.store(true, std::memory_order_release);
-    streams_.pause();
-    diskThread_.remove(*this);
 }
 
 void ZInstrument::postEvent(int type, int channel, int data1, int data2, std::uint32_t sampleOffset) {
@@ -91,7 +95,6 @@ void ZInstrument::beginBlock() {
     const bool offline = isOffline();
     if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs_;
     wasOffline_ = offline;
-    streams_.beginBlock(offline, renderedMs_);
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }
@@ -204,7 +207,6 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 }
 
 void ZInstrument::clear() {
-    const StreamServer::Pause noReads(streams_);
     pool_.stopAll();
     deactivateAllGroups();
     queue_.clear();
@@ -215,18 +217,7 @@ void ZInstrument::clear() {
 }
 
 void ZInstrument::rebuildPool() {
-    const StreamServer::Pause noReads(streams_);
-    pool_.stopAll();
-    pool_.fill({});
-    pool_.fill(makeVoices(settings_, context_, streams_));
-}
-
-void ZInstrument::setLoading(bool loading) {
-    if (loading_.exchange(loading, std::memory_order_acq_rel) == loading) return;
-    if (loading)
-        streams_.pause();
-    else
-        streams_.resume();
+    pool_.fill(makePlainVoices(settings_, context_));
 }
 
 } // namespace zarno

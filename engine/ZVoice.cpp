@@ -218,7 +218,7 @@ bool ZVoice::pendingMatches(int key, int channelTag) const {
 
 void ZVoice::stop() {
     cancelPending();
-    finish();
+    playing_ = false;
 }
 
 void ZVoice::sampleRateChanged(double previousRate) {

@@ -76,10 +76,7 @@ ZZone& TestInstrument::addZone(ZGroup& group, const TestSample& sample, const Zo
 }
 
 ZZone& TestInstrument::addLevel(float level, const GroupRecord& record) {
-    const TestSample sample = TestSample::level(level);
-    ZoneRecord zone = plainZone(sample);
-    zone.fixedPitch = 1;
-    return addZone(addGroup(record), sample, zone);
+    return addZone(addGroup(record), TestSample::level(level));
 }
 
 void TestInstrument::noteOn(int key, int velocity, std::uint32_t offset, int channel) {
@@ -108,13 +105,6 @@ Stereo TestInstrument::render(int frames, int blockSize) {
         clock.advance(count * 1000.0 / engine.sampleRate());
     }
     return out;
-}
-
-int TestInstrument::framesUntilSilence(int most) {
-    int frames = 0;
-    while (frames < most && next() != 0)
-        ++frames;
-    return frames;
 }
 
 } // namespace zarno
