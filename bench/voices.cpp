@@ -1,16 +1,20 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Nanoseconds per voice and frame. "exact" is the sample-by-sample form that the kernels must equal.
+// Nanoseconds per voice and frame. "plain" is the reference engine of the tests, sample by sample; "exact"
+// the engine with its kernels off, so that every frame is rendered by the voices themselves.
 #include "bench/BenchInstrument.h"
+#include "tests/reference/PlainInstrument.h"
 
 #include <benchmark/benchmark.h>
 
 namespace zarno::bench {
 namespace {
 
-enum Form { exact, sse2, avx2 };
+enum Form { plain, exact, sse2, avx2 };
 
 struct Sounding {
-    ZInstrument instrument;
+    ManualClock clock;
+    ZInstrument instrument{clock};
+    std::unique_ptr<PlainInstrument> reference;
     std::vector<float> left, right;
 
     Sounding(int voices, int quality, int channels, bool sixteenBit, int block, Form form)
@@ -18,7 +22,7 @@ struct Sounding {
         , right(left) {
         setVoices(instrument, voices);
         instrument.settings().quality = quality;
-        const VoiceKernels* kernels[] = {nullptr, &sse2Kernels(), avx2Kernels()};
+        const VoiceKernels* kernels[] = {nullptr, nullptr, &sse2Kernels(), avx2Kernels()};
         instrument.useKernels(kernels[form]);
         ZGroup& group = instrument.createGroup("notes");
         auto zone = makeZone(makeNoise(44100 * 4, channels, sixteenBit), 0, 127);
@@ -27,17 +31,34 @@ struct Sounding {
         zone->record.loopEnd = zone->record.endFrame;
         group.addZone(std::move(zone));
         instrument.activateGroup(&group);
+        if (form == plain) {
+            reference = std::make_unique<PlainInstrument>(instrument.groups(), instrument.settings(), clock);
+            reference->activateGroup(0);
+        }
         for (int i = 0; i < voices; ++i)
-            instrument.postEvent(midi::noteOn, 0, 48 + i % 24, 100, 0);
-        instrument.postEvent(midi::pitchBend, 0, 1, 70, 0); // so that positions are not whole frames
+            post(midi::noteOn, 48 + i % 24, 100);
+        post(midi::pitchBend, 1, 70); // so that positions are not whole frames
         for (int warmUp = 0; warmUp < 2000; warmUp += block)
             render();
     }
 
-    void render() {
-        float* outputs[] = {left.data(), right.data()};
-        instrument.renderBlock(outputs, 2, static_cast<int>(left.size()));
+    void post(int type, int data1, int data2) {
+        if (reference)
+            reference->postEvent(type, 0, data1, data2, 0);
+        else
+            instrument.postEvent(type, 0, data1, data2, 0);
     }
+
+    void render() {
+        const int frames = static_cast<int>(left.size());
+        float* outputs[] = {left.data(), right.data()};
+        if (reference)
+            reference->renderBlock(left.data(), right.data(), frames);
+        else
+            instrument.renderBlock(outputs, 2, frames);
+    }
+
+    int playing() const { return reference ? reference->playingVoices() : instrument.playingVoices(); }
 };
 
 void renderVoices(benchmark::State& state, Form form) {
@@ -48,7 +69,7 @@ void renderVoices(benchmark::State& state, Form form) {
         sounding.render();
         benchmark::DoNotOptimize(sounding.left.data());
     }
-    if (sounding.instrument.playingVoices() != arg(0)) state.SkipWithError("voices have ended");
+    if (sounding.playing() != arg(0)) state.SkipWithError("voices have ended");
     state.counters["per_voice_frame"] =
         benchmark::Counter(static_cast<double>(state.iterations()) * arg(0) * arg(4),
                            benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
@@ -67,6 +88,7 @@ void cases(benchmark::internal::Benchmark* benchmark) {
     benchmark->Args({128, 2, 1, 32, 512});
 }
 
+BENCHMARK_CAPTURE(renderVoices, plain, plain)->Apply(cases);
 BENCHMARK_CAPTURE(renderVoices, exact, exact)->Apply(cases);
 BENCHMARK_CAPTURE(renderVoices, sse2, sse2)->Apply(cases);
 BENCHMARK_CAPTURE(renderVoices, avx2, avx2)->Apply(cases);

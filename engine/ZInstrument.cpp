@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ZInstrument.h"
 
+#include "data/stream/ZDSVoice.h"
 #include "engine/Tables.h"
 #include "platform/DenormalGuard.h"
 
@@ -26,14 +27,6 @@ bool isKeptByReset(int controller) {
     return std::find(std::begin(kept), std::end(kept), controller) != std::end(kept);
 }
 
-VoicePool::Voices makePlainVoices(const InstrumentSettings& settings, const PlayContext& context) {
-    VoicePool::Voices voices(
-        static_cast<std::size_t>(std::clamp<int>(settings.polyphony, 1, VoicePool::maxVoices)));
-    for (auto& voice : voices)
-        voice = std::make_unique<ZVoice>(context);
-    return voices;
-}
-
 } // namespace
 
 ZInstrument::ZInstrument(const Clock& clock)
@@ -48,10 +41,13 @@ ZInstrument::ZInstrument(const Clock& clock)
     };
     activeEvents_.reserve(EventQueue::ringSize);
     rebuildPool();
+    diskThread_.add(*this);
 }
 
 ZInstrument::~ZInstrument() {
     shuttingDown_.store(true, std::memory_order_release);
+    streams_.pause();
+    diskThread_.remove(*this);
 }
 
 void ZInstrument::postEvent(int type, int channel, int data1, int data2, std::uint32_t sampleOffset) {
@@ -95,6 +91,7 @@ void ZInstrument::beginBlock() {
     const bool offline = isOffline();
     if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs_;
     wasOffline_ = offline;
+    streams_.beginBlock(offline, renderedMs_);
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }
@@ -207,6 +204,7 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 }
 
 void ZInstrument::clear() {
+    const StreamServer::Pause noReads(streams_);
     pool_.stopAll();
     deactivateAllGroups();
     queue_.clear();
@@ -217,7 +215,18 @@ void ZInstrument::clear() {
 }
 
 void ZInstrument::rebuildPool() {
-    pool_.fill(makePlainVoices(settings_, context_));
+    const StreamServer::Pause noReads(streams_);
+    pool_.stopAll();
+    pool_.fill({});
+    pool_.fill(makeVoices(settings_, context_, streams_));
+}
+
+void ZInstrument::setLoading(bool loading) {
+    if (loading_.exchange(loading, std::memory_order_acq_rel) == loading) return;
+    if (loading)
+        streams_.pause();
+    else
+        streams_.resume();
 }
 
 } // namespace zarno

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/stream/DiskThread.h"
+#include "data/stream/StreamServer.h"
 #include "engine/EventDispatcher.h"
 #include "engine/EventQueue.h"
 #include "engine/InstrumentTexts.h"
@@ -19,7 +21,7 @@ namespace zarno {
 //   [any]      any thread, at any time
 //   [audio]    the thread that renders
 //   [loading]  while the caller keeps the audio thread out (a load, construction, tests)
-class ZInstrument {
+class ZInstrument final : private ZSEThreadClient {
   public:
     // The clock gives note times while the host plays live; it must outlive the instrument.
     explicit ZInstrument(const Clock& clock = systemClock());
@@ -88,12 +90,16 @@ class ZInstrument {
     void setDelegate(ZSEDelegate* delegate) { delegate_ = delegate; }
     ZSEDelegate* delegate() const { return delegate_; }
 
-    // [any] Marked while a load replaces the contents: nothing else may look into groups and zones then.
-    void setLoading(bool loading) { loading_.store(loading, std::memory_order_release); }
+    // [loading] The busy mark, set while a load replaces the contents: nothing else may look into groups and
+    // zones then. Setting it returns when the disk thread is outside this instrument.
+    void setLoading(bool loading);
+    // [any]
     bool isLoading() const { return loading_.load(std::memory_order_acquire); }
 
     // [any] Playing voices at the end of the last block.
     int playingVoices() const { return playingVoices_.load(std::memory_order_relaxed); }
+    // [any] How streaming goes.
+    StreamStats streamStats() const { return streams_.stats(); }
 
     // [audio, loading] Makes random choices repeatable.
     void seedRandom(std::uint32_t seed) { random_.seed(seed); }
@@ -106,6 +112,7 @@ class ZInstrument {
     const VoicePool& pool() const { return pool_; }
 
   private:
+    void serviceStreams() override { streams_.serve(); }
     void takeRequests();
     void applySampleRate();
     void beginBlock();
@@ -121,6 +128,8 @@ class ZInstrument {
     std::vector<std::unique_ptr<ZGroup>> groups_;
     PlayContext context_{settings_};
     Modulation modulation_{settings_, context_};
+    DiskThread diskThread_;
+    StreamServer streams_{diskThread_.event()};
     VoicePool pool_;
     ZRandom random_;
     EventDispatcher dispatcher_;

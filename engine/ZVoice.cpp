@@ -218,7 +218,7 @@ bool ZVoice::pendingMatches(int key, int channelTag) const {
 
 void ZVoice::stop() {
     cancelPending();
-    playing_ = false;
+    finish();
 }
 
 void ZVoice::sampleRateChanged(double previousRate) {

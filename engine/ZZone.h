@@ -6,6 +6,7 @@
 #include "engine/Records.h"
 #include "engine/SampleMemory.h"
 
+#include <atomic>
 #include <cstdint>
 #include <memory>
 
@@ -22,13 +23,16 @@ class ZZone {
     ZGroup* group = nullptr; // not owned, may be null
     std::unique_ptr<ZSoundFile> sound;
 
-    // The whole sample, or of a streaming zone its first chunk. Zones that name the same sample share it.
+    // The whole sample, or of a streaming zone its preload: the first chunk from its start frame on, or less
+    // where the sample ends within it. Zones that need the same frames share them.
     std::shared_ptr<SampleMemory> memory;
     std::uint64_t lengthInFrames = 0; // of the sound file
     double fileSampleRate = 44100.0;  // Hz
     bool mono = false;                // the sound file has one channel
     bool streaming = false;
-    bool valid = false; // the sound file could be opened
+    std::int32_t chunkFrames = 0;          // of a streaming zone: length of a chunk, as when it was loaded
+    std::atomic<double> lastAccessMs{0.0}; // system clock, after the latest read of a chunk
+    bool valid = false;                    // the sound file could be opened
 
     // Attack, decay, gain and so on at this rate, computed anew when the group's values or the rate have
     // changed. Audio thread.

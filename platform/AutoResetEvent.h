@@ -10,8 +10,9 @@ namespace zarno {
 /// written before signal is seen after the wait that it ends.
 class AutoResetEvent {
   public:
-    /// `name` (8-bit text) names the Windows object, where an equal name means one event for all processes of
-    /// the session; elsewhere it has no effect. Throws std::bad_alloc when the system has none left.
+    /// `name` (8-bit text) names the Windows object for those who look at it with system tools; elsewhere it
+    /// has no effect. Process and module are added to it: an equal name would mean one event for all hosts
+    /// of the session. Throws std::bad_alloc when the system has none left.
     explicit AutoResetEvent(const char* name = nullptr);
     ~AutoResetEvent();
     AutoResetEvent(const AutoResetEvent&) = delete;

@@ -38,6 +38,11 @@ void AutoResetEvent::wait() noexcept {
 }
 
 bool AutoResetEvent::wait(unsigned timeoutMs) noexcept {
+    if (timeoutMs == 0) { // a wait that has timed out already still sleeps for the timer's slack
+        if (::sem_trywait(&impl_->semaphore) != 0) return false;
+        impl_->take();
+        return true;
+    }
     timespec until{};
     ::clock_gettime(CLOCK_MONOTONIC, &until);
     until.tv_sec += timeoutMs / 1000;

@@ -2,16 +2,29 @@
 #include "platform/AutoResetEvent.h"
 
 #include <new>
+#include <string>
 
 #include <windows.h>
 
 namespace zarno {
+namespace {
+
+const char anchor = 0; // an address inside this module
+
+HANDLE createEvent(const char* name) {
+    if (name == nullptr) return CreateEventA(nullptr, FALSE, FALSE, nullptr);
+    const std::string unique = std::string(name) + " " + std::to_string(GetCurrentProcessId()) + " " +
+                               std::to_string(reinterpret_cast<std::uintptr_t>(&anchor));
+    return CreateEventA(nullptr, FALSE, FALSE, unique.c_str());
+}
+
+} // namespace
 
 struct AutoResetEvent::Impl {
     HANDLE event;
 
     explicit Impl(const char* name)
-        : event(CreateEventA(nullptr, FALSE, FALSE, name)) {
+        : event(createEvent(name)) {
         if (event == nullptr) throw std::bad_alloc();
     }
     ~Impl() { CloseHandle(event); }

@@ -1,37 +1,109 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/ZInstrument.h"
+#include "engine/ZSEDelegate.h"
+#include "shell/KeyboardRoute.h"
+#include "shell/Library.h"
+#include "shell/ModuleIdentity.h"
+
 #include <juce_audio_processors/juce_audio_processors.h>
+
+#include <atomic>
 
 namespace zarno {
 
-/// The one object the host talks to: no audio inputs, two outputs, MIDI in.
-class CZSP final : public juce::AudioProcessor {
+/// The one object the host talks to: no audio inputs, two outputs, MIDI in; no parameters and no programs
+/// that a host sees, though the program operations reach the instruments of the library.
+class CZSP final : public juce::AudioProcessor,
+                   public juce::ListBoxModel,
+                   public ZSEDelegate,
+                   private juce::Thread {
   public:
     CZSP();
+    ~CZSP() override;
 
     const juce::String getName() const override { return "Zarno Sampler Player"; }
-    void prepareToPlay(double sampleRate, int blockSize) override;
-    void releaseResources() override {}
     bool isBusesLayoutSupported(const BusesLayout& layout) const override;
-    void processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
-    using juce::AudioProcessor::processBlock;
-
+    const juce::String getInputChannelName(int) const override { return {}; }
+    const juce::String getOutputChannelName(int index) const override {
+        return index == 0 ? "Left" : "Right";
+    }
+    bool isInputChannelStereoPair(int) const override { return false; }
+    bool isOutputChannelStereoPair(int) const override { return true; }
     bool acceptsMidi() const override { return true; }
     bool producesMidi() const override { return false; }
     double getTailLengthSeconds() const override { return 0.0; }
 
+    void prepareToPlay(double sampleRate, int blockSize) override;
+    void releaseResources() override {}
+    void setNonRealtime(bool nonRealtime) noexcept override;
+    void processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
+    void processBlockBypassed(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
+    using juce::AudioProcessor::processBlock;
+    using juce::AudioProcessor::processBlockBypassed;
+    /// All voices stop at the next block's start, and nothing that waits begins.
+    void reset() override { engine_.requestStop(); }
+
     juce::AudioProcessorEditor* createEditor() override;
     bool hasEditor() const override { return true; }
 
+    int getNumParameters() override { return 0; }
+    const juce::String getParameterName(int) override { return {}; }
+    float getParameter(int) override { return 0.0f; }
+    const juce::String getParameterText(int) override { return {}; }
+    void setParameter(int, float) override {}
+    bool isParameterAutomatable(int) const override { return true; }
+    bool isMetaParameter(int) const override { return false; }
+
     int getNumPrograms() override { return 0; }
-    int getCurrentProgram() override { return 0; }
-    void setCurrentProgram(int) override {}
-    const juce::String getProgramName(int) override { return {}; }
+    /// These three mean the instruments of the library, although there are 0 programs.
+    int getCurrentProgram() override;
+    void setCurrentProgram(int index) override;
+    const juce::String getProgramName(int index) override;
     void changeProgramName(int, const juce::String&) override {}
 
-    void getStateInformation(juce::MemoryBlock&) override {}
-    void setStateInformation(const void*, int) override {}
+    void getStateInformation(juce::MemoryBlock& chunk) override;
+    void setStateInformation(const void* data, int size) override;
+
+    int getNumRows() override;
+    void paintListBoxItem(int row, juce::Graphics& graphics, int width, int height, bool selected) override;
+    void listBoxItemDoubleClicked(int row, const juce::MouseEvent&) override;
+
+    bool loadProgress(float fraction, const char* groupName, const char* sampleName) override;
+    void groupsChanged() override;
+    void reportMessage(const char* text, char* reply) override;
+    void settingsChanged() override {}
+    void requestLicenceText(char*) override {}
+
+    /// The one way in which the instrument changes: entry `index` of the library when `path` is empty, else
+    /// the file `path`. Selecting the current one does nothing, unless `reapply` asks for a fresh load.
+    void selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous);
+
+    /// Makes the engine's random choices repeatable.
+    void seedRandom(std::uint32_t seed);
+
+    ZInstrument& engine() { return engine_; }
+    const ModuleIdentity& identity() const { return identity_; }
+
+  private:
+    void run() override;
+    void postEvents(const juce::MidiBuffer& midi);
+    void load();
+    void applyPendingState();
+    void makeOnlyActiveGroup(std::int32_t index);
+
+    ZInstrument engine_;
+    KeyboardRoute keyboardRoute_{engine_};
+    Library library_;
+    juce::String currentPath_;
+    int currentIndex_ = -1;
+    std::atomic<bool> loading_{false};
+    std::atomic<bool> lastLoadSucceeded_{true};
+    ModuleIdentity identity_;
+    std::unique_ptr<juce::MemoryBlock> pendingState_;
+    std::atomic<std::uint32_t> groupsGeneration_{0};
+    juce::CriticalSection lock_;
 };
 
 } // namespace zarno

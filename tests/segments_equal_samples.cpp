@@ -29,6 +29,9 @@ class Duel {
                                                    played_.clock);
         takeRate();
         applySettings();
+        const VoiceKernels* kernels[] = {&sse2Kernels(), &voiceKernels(), &sse2Kernels(), &voiceKernels(),
+                                         nullptr};
+        played_.engine.useKernels(kernels[seed % 5]);
         played_.engine.seedRandom(seed);
         plain_->seedRandom(seed);
         const std::size_t first = static_cast<std::size_t>(chance_.below(static_cast<int>(groups().size())));

@@ -17,6 +17,23 @@ namespace {
 
 constexpr int failedSearchLimit = 3;
 
+// Keeps the disk thread out for the time of a load, unless the caller does already.
+class BusyMark {
+  public:
+    explicit BusyMark(ZInstrument& instrument)
+        : instrument_(instrument)
+        , wasBusy_(instrument.isLoading()) {
+        instrument_.setLoading(true);
+    }
+    ~BusyMark() { instrument_.setLoading(wasBusy_); }
+    BusyMark(const BusyMark&) = delete;
+    BusyMark& operator=(const BusyMark&) = delete;
+
+  private:
+    ZInstrument& instrument_;
+    const bool wasBusy_;
+};
+
 // One load. The steps are called in the order in which they stand.
 class Load {
   public:
@@ -165,6 +182,7 @@ LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, cons
                           LicenceCheck& licence) {
     LoadResult result;
     try {
+        const BusyMark busy(instrument);
         Load load(instrument, path, result);
         if (!load.readFile()) return result;
         load.fillHeader();

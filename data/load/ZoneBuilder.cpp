@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/load/ZoneBuilder.h"
 
+#include "data/sound/SampleConvert.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "data/sound/ZWaveFile.h"
+#include "data/stream/ChunkFill.h"
+#include "data/stream/StreamPoints.h"
 
 #include <algorithm>
-#include <bit>
 #include <new>
 
 namespace zarno {
@@ -13,15 +15,7 @@ namespace {
 
 constexpr float newZoneRelease = 100.0f; // ms
 constexpr std::uint64_t chunkFrames = 16384;
-
-// Infinities and NaN, told by their exponent of all ones.
-void silenceNonFinite(float* values, std::size_t count) {
-    constexpr std::uint32_t exponent = 0x7F800000u;
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto bits = std::bit_cast<std::uint32_t>(values[i]);
-        values[i] = (bits & exponent) == exponent ? 0.0f : values[i];
-    }
-}
+constexpr std::uint64_t freePreloadBytes = 1u << 30;
 
 void readFloats(ZSoundFile& sound, SampleMemory& memory) {
     const auto channels = static_cast<std::uint64_t>(memory.channels());
@@ -29,7 +23,8 @@ void readFloats(ZSoundFile& sound, SampleMemory& memory) {
         float* chunk = memory.floats() + done * channels;
         const std::uint64_t got = sound.readFloat(chunk, std::min(chunkFrames, memory.frames() - done));
         if (got == 0) return;
-        silenceNonFinite(chunk, static_cast<std::size_t>(got * channels)); // while it is in the cache
+        convert::silenceNonFinite(chunk,
+                                  static_cast<std::size_t>(got * channels)); // while it is in the cache
         done += got;
     }
 }
@@ -43,6 +38,15 @@ std::shared_ptr<SampleMemory> readWhole(ZSoundFile& sound, bool sixteenBit) {
     else
         readFloats(sound, *memory);
     return memory;
+}
+
+// All that decides what a preload holds.
+std::string preloadKey(const ZZone& zone) {
+    const StreamPoints points(zone.record, zone.lengthInFrames);
+    std::string key = zone.sound->path() + '\0' + std::to_string(points.start);
+    if (points.wraps(points.start, static_cast<std::uint64_t>(zone.chunkFrames)))
+        key += ' ' + std::to_string(points.loopStart) + ' ' + std::to_string(points.loopEnd);
+    return key;
 }
 
 bool fits(const SampleMemory& memory, const ZSoundFile& sound) {
@@ -81,7 +85,7 @@ std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
     auto sound = std::make_unique<ZWaveFile>();
     sound->open(path);
     auto zone = build(std::move(sound), path);
-    zone->sound->close();
+    if (!zone->streaming) zone->sound->close();
     return zone;
 }
 
@@ -101,13 +105,15 @@ std::unique_ptr<ZZone> ZoneBuilder::build(std::unique_ptr<ZSoundFile> sound, con
     zone->record = recordFromSound(*zone->sound);
     zone->lengthInFrames = zone->sound->lengthInFrames();
     if (zone->sound->sampleRate() > 0) zone->fileSampleRate = zone->sound->sampleRate();
-    fillMemory(*zone, memoryKey);
+    zone->streaming = settings_.streaming != 0;
+    if (zone->streaming)
+        zone->chunkFrames = chunkFramesInUse(settings_);
+    else
+        fillMemory(*zone, memoryKey);
     zone->valid = true;
     return zone;
 }
 
-// Streaming instruments, too, are held in memory whole for now: here a zone's first chunk would be read
-// instead, and in recordChanged once more.
 void ZoneBuilder::fillMemory(ZZone& zone, const std::string& memoryKey) {
     auto& known = shared_[memoryKey];
     zone.memory = known.lock();
@@ -116,6 +122,24 @@ void ZoneBuilder::fillMemory(ZZone& zone, const std::string& memoryKey) {
     known = zone.memory;
 }
 
-void ZoneBuilder::recordChanged(ZZone&) {}
+void ZoneBuilder::recordChanged(ZZone& zone) {
+    if (!zone.streaming) return;
+    auto& known = shared_[preloadKey(zone)];
+    zone.memory = known.lock();
+    if (!zone.memory) {
+        zone.memory = readPreload(zone, settings_.sixteenBit != 0);
+        if (zone.memory) countPreload(zone);
+        known = zone.memory;
+    }
+    zone.sound->close();
+}
+
+// Loops are unrolled in a preload: a file of a few kilobytes could ask for any number of gigabytes.
+void ZoneBuilder::countPreload(const ZZone& zone) {
+    preloadBytes_ += zone.memory->bytes();
+    sampleBytes_ += zone.lengthInFrames * static_cast<std::uint64_t>(zone.sound->channelCount()) *
+                    static_cast<std::uint64_t>(zone.sound->bytesPerSample());
+    if (preloadBytes_ > freePreloadBytes && preloadBytes_ / 4 > sampleBytes_) throw std::bad_alloc();
+}
 
 } // namespace zarno

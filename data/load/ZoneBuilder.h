@@ -12,28 +12,33 @@
 namespace zarno {
 
 /// Makes zones from sound files and puts their frames into memory, in the width that the settings' 16-bit
-/// flag asks for. Zones that name the same sample share its memory for as long as the builder lives. Throws
-/// std::bad_alloc when a sample does not fit into memory. Loading thread.
+/// flag asks for: whole samples, or of a streaming instrument the zones' preloads. Zones that need the same
+/// frames share their memory for as long as the builder lives. Throws std::bad_alloc when a sample does not
+/// fit into memory. Loading thread.
 class ZoneBuilder {
   public:
     explicit ZoneBuilder(const InstrumentSettings& settings)
         : settings_(settings) {}
 
     /// Both give a zone whose record holds what the sound file says; one that is not valid when the sound
-    /// could not be opened. No wave file stays open.
+    /// could not be opened. A streaming zone has no frames, and its wave file stays open, until
+    /// recordChanged.
     std::unique_ptr<ZZone> fromWaveFile(const std::string& path);
     std::unique_ptr<ZZone> fromBlock(const std::string& sampleName, std::shared_ptr<const File> file,
                                      std::uint64_t position);
 
-    /// To be called when the zone's record was replaced: its points may ask for other frames in memory.
+    /// To be called when the zone's record is complete: its points say which frames a preload holds. No wave
+    /// file stays open.
     void recordChanged(ZZone& zone);
 
   private:
     std::unique_ptr<ZZone> build(std::unique_ptr<ZSoundFile> sound, const std::string& memoryKey);
     void fillMemory(ZZone& zone, const std::string& memoryKey);
+    void countPreload(const ZZone& zone);
 
     const InstrumentSettings& settings_;
     std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
+    std::uint64_t preloadBytes_ = 0, sampleBytes_ = 0;
 };
 
 /// The record of a new zone: range and levels at their start values, points and root note from the sound.

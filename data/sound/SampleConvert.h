@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -64,6 +65,15 @@ inline void packed(int bytesPerSample, bool stereo, const std::uint8_t* raw, Out
         return values<3, false>(raw, out, count);
     case 4:
         return values<4, false>(raw, out, count);
+    }
+}
+
+/// Infinities and NaN, told by their exponent of all ones, become 0.
+inline void silenceNonFinite(float* values, std::size_t count) {
+    constexpr std::uint32_t exponent = 0x7F800000u;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto bits = std::bit_cast<std::uint32_t>(values[i]);
+        values[i] = (bits & exponent) == exponent ? 0.0f : values[i];
     }
 }
 

@@ -76,7 +76,10 @@ ZZone& TestInstrument::addZone(ZGroup& group, const TestSample& sample, const Zo
 }
 
 ZZone& TestInstrument::addLevel(float level, const GroupRecord& record) {
-    return addZone(addGroup(record), TestSample::level(level));
+    const TestSample sample = TestSample::level(level);
+    ZoneRecord zone = plainZone(sample);
+    zone.fixedPitch = 1;
+    return addZone(addGroup(record), sample, zone);
 }
 
 void TestInstrument::noteOn(int key, int velocity, std::uint32_t offset, int channel) {
@@ -105,6 +108,13 @@ Stereo TestInstrument::render(int frames, int blockSize) {
         clock.advance(count * 1000.0 / engine.sampleRate());
     }
     return out;
+}
+
+int TestInstrument::framesUntilSilence(int most) {
+    int frames = 0;
+    while (frames < most && next() != 0)
+        ++frames;
+    return frames;
 }
 
 } // namespace zarno

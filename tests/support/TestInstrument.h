@@ -48,7 +48,7 @@ class TestInstrument {
     ZZone& addZone(ZGroup& group, const TestSample& sample) {
         return addZone(group, sample, plainZone(sample));
     }
-    // A group of its own with one zone that plays the level.
+    // A group of its own with one zone that plays the level, at the same pitch on every key.
     ZZone& addLevel(float level, const GroupRecord& record = {});
 
     void noteOn(int key, int velocity = 127, std::uint32_t offset = 0, int channel = 0);
@@ -59,6 +59,8 @@ class TestInstrument {
     Stereo render(int frames, int blockSize = 512);
     // Renders one frame: its left value.
     float next() { return render(1).left[0]; }
+    // Renders up to the frame behind which all is silent: how many there were.
+    int framesUntilSilence(int most = 200000);
 };
 
 } // namespace zarno

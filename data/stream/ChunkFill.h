@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/SampleMemory.h"
+
+#include <functional>
+
+namespace zarno {
+
+class ZZone;
+
+/// Where a chunk is read to: `frames` frames of the zone's channels, with SampleMemory::guardFrames more on
+/// either side.
+struct ChunkTarget {
+    void* frame0 = nullptr;
+    std::uint64_t frames = 0;
+    int channels = 0;
+    bool sixteenBit = true;
+
+    std::size_t frameBytes() const {
+        return static_cast<std::size_t>(channels) * (sixteenBit ? sizeof(std::int16_t) : sizeof(float));
+    }
+};
+
+enum class ChunkResult {
+    Filled,
+    NoFile,    ///< the sound file did not open; nothing was written
+    Abandoned, ///< `goOn` said so; the target holds a part
+};
+
+/// Fills `target` with the zone's frames from `frame` on, the loop unrolled, silence where the file holds
+/// nothing. Opens the zone's sound file and closes it again. After each read `goOn` is told the bytes read
+/// and says whether to continue. One thread at a time may fill from one zone.
+ChunkResult fillChunk(ZZone& zone, std::uint64_t frame, const ChunkTarget& target,
+                      const std::function<bool(std::size_t bytesRead)>& goOn);
+
+/// Interpolation does not look across the seams of a ring: the frames before a chunk repeat its first one,
+/// those behind it its last one.
+void writeSeamBefore(const ChunkTarget& target);
+void writeSeamBehind(const ChunkTarget& target);
+
+/// Reads the frames that a streaming zone keeps in memory: the first chunk from its start frame on, or what
+/// there is of it. Null when the sound file does not open. Throws std::bad_alloc.
+std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit);
+
+} // namespace zarno

@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+
+/// What our own host may ask of the module beyond the interface: effVendorSpecific with `index` = magic and
+/// `value` = one of these.
+namespace zarno::entryOpcode {
+
+inline constexpr std::int32_t magic = 0x5A73704F; // "ZspO"
+
+/// `pointer` is the seed, as a number of 32 bits. Random choices are the same in every run then.
+inline constexpr std::int32_t seedRandom = 1;
+
+} // namespace zarno::entryOpcode

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zarno {
+
+/// The instruments a module offers, in program order. Scanned once.
+struct Library {
+    struct Entry {
+        std::string path; ///< full, native form, UTF-8
+        std::string title;
+    };
+    std::vector<Entry> entries;
+
+    /// Reads the names of every instrument below `folders`: all "*.zse" of all folders first, then all
+    /// "*.zs2". Within that, folder by folder and name by name, what lies in a folder before what lies
+    /// deeper. A file that is no instrument, or has no name or title, is left out. Reads the file headers and
+    /// nothing else.
+    static Library scan(const std::vector<std::string>& folders);
+
+    /// -1 when no entry has this very path.
+    int indexOf(std::string_view path) const;
+    /// The first entry with the same file name: -1 when there is none.
+    int indexOfFileName(std::string_view path) const;
+
+    bool contains(int index) const { return index >= 0 && static_cast<std::size_t>(index) < entries.size(); }
+};
+
+/// The library folder of a module: beside it, named like it without extension plus ".instruments".
+std::string libraryFolderBeside(std::string_view modulePath);
+
+} // namespace zarno

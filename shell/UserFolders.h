@@ -1,0 +1,21 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_core/juce_core.h>
+
+#include <string>
+
+namespace zarno {
+
+/// Where the user's instruments are kept, for all modules: "Zarno Sampler Player/Instruments" in the
+/// documents folder on Windows, in the XDG data folder elsewhere. Empty when there is no such place.
+std::string userLibraryFolder();
+
+/// Where the settings file lies: the roaming application data folder on Windows, the XDG configuration folder
+/// elsewhere, each with a folder "Zarno Sampler Player". An invalid file when there is no such place.
+juce::File settingsFileLocation();
+
+/// The user's home folder.
+std::string homeFolder();
+
+} // namespace zarno
