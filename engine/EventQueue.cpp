@@ -51,9 +51,14 @@ void EventQueue::moveTo(std::vector<EngineEvent>& events) {
     if (!overflowing_.load(std::memory_order_acquire)) return;
 
     lock();
-    // A place taken in the ring before the overflow began may have been filled only now; read those first.
     while (popFromRing(event))
         events.push_back(event);
+    // A caller may still be filling a place that it took in the ring before the overflow began. What is
+    // behind that place is older than what overflowed, which waits for the next block then.
+    if (tail_ != head_.load(std::memory_order_relaxed)) {
+        unlock();
+        return;
+    }
     scratch_.swap(overflow_);
     overflowing_.store(false, std::memory_order_release);
     unlock();

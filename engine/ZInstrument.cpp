@@ -70,6 +70,8 @@ void ZInstrument::applySampleRate() {
     const double rate = requestedRate_.load(std::memory_order_relaxed);
     if (rate == context_.sampleRate) return;
     const double previous = context_.sampleRate;
+    msBeforeThisRate_ = renderedMs();
+    samplesAtThisRate_ = 0;
     context_.sampleRate = rate;
     context_.killCoefficient = killCoefficientAt(rate);
     ++context_.rateGeneration;
@@ -89,16 +91,22 @@ void ZInstrument::beginBlock() {
     blockStart_.store(clock_.nowMs(), std::memory_order_relaxed);
     // Going offline, note times go on from where the clock stands.
     const bool offline = isOffline();
-    if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs_;
+    if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs();
     wasOffline_ = offline;
-    streams_.beginBlock(offline, renderedMs_);
+    streams_.beginBlock(offline, renderedMs());
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }
 
+// Counted in samples, so that a moment has the same time whatever blocks came before it.
+double ZInstrument::renderedMs(int sample) const {
+    return msBeforeThisRate_ +
+           static_cast<double>(samplesAtThisRate_ + sample) * 1000.0 / context_.sampleRate;
+}
+
 double ZInstrument::eventTime(int sample) const {
     if (!wasOffline_) return clock_.nowMs();
-    return offlineOrigin_ + renderedMs_ + sample * 1000.0 / context_.sampleRate;
+    return offlineOrigin_ + renderedMs(sample);
 }
 
 void ZInstrument::renderBlock(float** outputs, int numOutputs, int numSamples) {
@@ -119,7 +127,7 @@ void ZInstrument::renderBlock(float** outputs, int numOutputs, int numSamples) {
         sample += frames;
     }
     activeEvents_.clear();
-    renderedMs_ += numSamples * 1000.0 / context_.sampleRate;
+    samplesAtThisRate_ += numSamples;
     playingVoices_.store(pool_.playingCount(), std::memory_order_relaxed);
 }
 

@@ -119,6 +119,7 @@ class ZInstrument final : private ZSEThreadClient {
     void dispatchDue(int sample, bool isLast);
     int segmentEnd(int sample, int numSamples) const;
     void renderSegment(int frames, float* left, float* right);
+    double renderedMs(int sample = 0) const; // length of all blocks so far, and of sample more frames
     double eventTime(int sample) const;
     void publishCurrentGroup();
 
@@ -143,8 +144,9 @@ class ZInstrument final : private ZSEThreadClient {
     std::size_t nextEvent_ = 0;
     // Clock ms; not a number before the first block, when every immediate event is due at its start.
     std::atomic<double> blockStart_{std::numeric_limits<double>::quiet_NaN()};
-    double renderedMs_ = 0.0;    // length of all blocks so far
-    double offlineOrigin_ = 0.0; // note time of rendered sample 0 while offline
+    std::int64_t samplesAtThisRate_ = 0; // all blocks since the rate changed
+    double msBeforeThisRate_ = 0.0;      // length of all blocks until then
+    double offlineOrigin_ = 0.0;         // note time of rendered sample 0 while offline
     bool wasOffline_ = false;
 
     std::atomic<float> requestedRate_{44100.0f};

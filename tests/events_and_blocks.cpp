@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/EventQueue.h"
+#include "tests/support/AllocationCount.h"
+#include "tests/support/RandomInstrument.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <thread>
+
+namespace zarno {
+namespace {
+
+// First sample that sounds; -1 when none does.
+int firstSound(const Stereo& out) {
+    const auto found = std::ranges::find_if(out.left, [](float x) { return x != 0; });
+    return found == out.left.end() ? -1 : static_cast<int>(found - out.left.begin());
+}
+
+TEST(EventsAndBlocks, ANoteBeginsAtItsSample) {
+    for (const std::uint32_t offset : {0u, 1u, 100u, 127u, 128u, 129u, 511u}) {
+        TestInstrument t;
+        t.addLevel(0.5f);
+        t.noteOn(60, 100, offset);
+        EXPECT_EQ(firstSound(t.render(512)), static_cast<int>(offset));
+    }
+}
+
+TEST(EventsAndBlocks, WhatIsDueBeyondTheBlockComesAtItsLastSample) {
+    for (const std::uint32_t offset : {64u, 70u, 100000u, 0xFFFFFFFEu}) {
+        TestInstrument t;
+        t.addLevel(0.5f);
+        t.noteOn(60, 100, offset);
+        EXPECT_EQ(firstSound(t.render(64)), 63) << offset;
+    }
+}
+
+TEST(EventsAndBlocks, AnEventThatIsNotDueHoldsBackThoseBehindIt) {
+    TestInstrument t;
+    t.addLevel(0.5f);
+    t.controller(64, 0, 40);
+    t.noteOn(60, 100, 10);
+    t.noteOff(60, 5);
+    t.noteOn(62, 100, 20);
+    const Stereo out = t.render(64);
+    EXPECT_EQ(firstSound(out), 40);
+    EXPECT_EQ(out.left[40], 0.5f); // only the second note: the first was over before it was heard
+}
+
+TEST(EventsAndBlocks, ImmediateEventsBeginTheNextBlock) {
+    TestInstrument t;
+    t.addLevel(0.25f);
+    t.clock.advance(100000);
+    t.noteOn(60, 100, immediateOffset); // before the first block, however long that takes
+    EXPECT_EQ(firstSound(t.render(64)), 0);
+    t.clock.advance(-5000);
+    t.noteOn(62, 100, immediateOffset);
+    EXPECT_EQ(t.render(64).left[0], 0.5f);
+    t.clock.advance(90000); // two times 44.1 s: the odd division's second sample
+    t.noteOn(64, 100, immediateOffset);
+    const Stereo out = t.render(64);
+    EXPECT_EQ(out.left[1], 0.5f);
+    EXPECT_EQ(out.left[2], 0.75f);
+}
+
+TEST(EventsAndBlocks, BlocksWithoutSamplesLeaveEventsWaitingAndOtherOutputsAreCleared) {
+    TestInstrument t;
+    t.addLevel(0.5f);
+    t.noteOn(60, 100, 3);
+    std::vector<float> left(8, 9.0f), right(8, 9.0f), third(8, 9.0f);
+    float* outputs[] = {left.data(), right.data(), third.data()};
+    t.engine.renderBlock(outputs, 3, 0);
+    t.engine.renderBlock(outputs, 3, -4);
+    EXPECT_EQ(left, std::vector<float>(8, 9.0f));
+    t.engine.renderBlock(outputs, 3, 8);
+    EXPECT_EQ(left, (std::vector<float>{0, 0, 0, 0.5f, 0.5f, 0.5f, 0.5f, 0.5f}));
+    EXPECT_EQ(right, left);
+    EXPECT_EQ(third, std::vector<float>(8, 0.0f));
+    float* some[] = {nullptr, right.data()};
+    t.engine.renderBlock(some, 2, 8);
+    EXPECT_EQ(right, std::vector<float>(8, 0.5f));
+}
+
+// A song of random notes and controllers, the same for every block size, rendered offline.
+Stereo song(int blockSize) {
+    TestInstrument t(6);
+    Chance chance(11);
+    fillAtRandom(t, chance, true);
+    InstrumentSettings& settings = t.engine.settings();
+    settings.reverbSend = 0.3f;
+    settings.volume = 0.0f;
+    settings.velocityFloor = -20;
+    t.engine.applySettings();
+    GroupRecord damper;
+    damper.releaseTrigger = 1;
+    damper.releaseDecayTime = 1000.0f;
+    t.addLevel(0.1f, damper).record.ignoreVelocity = 0;
+    t.engine.seedRandom(5);
+    t.engine.setOffline(true);
+    struct Due {
+        int at, type, data1, data2;
+    };
+    std::vector<Due> events;
+    constexpr int frames = 30000;
+    for (int at = 0; at < frames - 11025; at += chance.between(0, 400)) {
+        const int key = chance.between(48, 72);
+        events.push_back({at, midi::noteOn, key, chance.between(1, 127)});
+        events.push_back({at + 11025, midi::noteOff, key, 0}); // exactly a quarter of the damper's second
+        if (chance.oneIn(3)) events.push_back({at, midi::pitchBend, 0, chance.below(128)});
+        if (chance.oneIn(3)) events.push_back({at, midi::controller, 1, chance.below(128)});
+    }
+    std::ranges::stable_sort(events, {}, &Due::at);
+    Stereo whole;
+    std::size_t next = 0;
+    for (int begin = 0; begin < frames; begin += blockSize) {
+        const int end = std::min(begin + blockSize, frames);
+        for (; next < events.size() && events[next].at < end; ++next)
+            t.engine.postEvent(events[next].type, 0, events[next].data1, events[next].data2,
+                               static_cast<std::uint32_t>(events[next].at - begin));
+        const Stereo block = t.render(end - begin, end - begin);
+        whole.left.insert(whole.left.end(), block.left.begin(), block.left.end());
+        whole.right.insert(whole.right.end(), block.right.begin(), block.right.end());
+    }
+    return whole;
+}
+
+TEST(EventsAndBlocks, OfflineTheBlockSizeChangesNothing) {
+    const Stereo wanted = song(512);
+    EXPECT_GT(std::ranges::count_if(wanted.left, [](float x) { return x != 0 && std::fabs(x) < 1; }), 20000);
+    for (const int blockSize : {1, 7, 64, 4096, 30000}) {
+        const Stereo got = song(blockSize);
+        EXPECT_TRUE(got.left == wanted.left && got.right == wanted.right) << blockSize;
+    }
+}
+
+TEST(EventsAndBlocks, TwoThreadsLoseNothingAndKeepTheirOwnOrder) {
+    constexpr std::uint32_t each = 60000;
+    EventQueue queue;
+    std::atomic<int> running{2};
+    const auto post = [&](std::uint8_t channel) {
+        for (std::uint32_t n = 0; n < each; ++n)
+            queue.push({channel, 0, 0, n});
+        --running;
+    };
+    std::thread first(post, std::uint8_t{0}), second(post, std::uint8_t{1});
+    std::uint32_t next[2] = {0, 0};
+    bool inOrder = true;
+    std::vector<EngineEvent> events;
+    for (bool last = false; !last;) {
+        last = running == 0;
+        events.clear();
+        queue.moveTo(events);
+        for (const EngineEvent& event : events)
+            inOrder &= event.sampleOffset == next[event.channel()]++;
+        if (next[0] % 3 == 0) std::this_thread::yield(); // now and then the ring overflows
+    }
+    first.join();
+    second.join();
+    EXPECT_TRUE(inOrder);
+    EXPECT_EQ(next[0], each);
+    EXPECT_EQ(next[1], each);
+}
+
+TEST(EventsAndBlocks, WarmedUpNothingIsAllocated) {
+    TestInstrument t;
+    Chance chance(3);
+    fillAtRandom(t, chance, false);
+    std::vector<float> left(512), right(512);
+    float* outputs[] = {left.data(), right.data()};
+    const auto play = [&](int blocks) {
+        const std::size_t before = allocationsOfThisThread();
+        for (int block = 0; block < blocks; ++block) {
+            for (int n = 0; n < 20; ++n) {
+                const int type = chance.of({midi::noteOn, midi::noteOff, midi::controller, midi::pitchBend});
+                t.engine.postEvent(type, chance.below(4), chance.below(128), chance.below(128),
+                                   static_cast<std::uint32_t>(chance.below(512)));
+            }
+            if (chance.oneIn(20)) t.engine.resetControllers(0);
+            t.engine.setSampleRate(chance.oneIn(20) ? 96000 : 44100);
+            t.engine.renderBlock(outputs, 2, 512);
+        }
+        return allocationsOfThisThread() - before;
+    };
+    play(100);
+    EXPECT_EQ(play(300), 0u);
+    EXPECT_GT(std::make_unique<int>() ? allocationsOfThisThread() : 0, 0u); // the counter counts
+}
+
+} // namespace
+} // namespace zarno
