@@ -33,7 +33,9 @@ class TempFolder {
     std::string write(const std::string& name, const std::string& bytes) const {
         const auto file = path_ / name;
         std::filesystem::create_directories(file.parent_path());
+#ifndef _WIN32 // there a file that is still open would only be marked for removal, and not be replaceable
         std::filesystem::remove(file); // some file systems flush a file that is replaced in place
+#endif
         std::ofstream(file, std::ios::binary) << bytes;
         return file.string();
     }
