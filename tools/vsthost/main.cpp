@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// A host without a user: loads a plug-in module, says what it reports, plays songs through it, keeps its
+// state.
+#include "tools/common/SongReader.h"
+#include "tools/common/Utf8Arguments.h"
+#include "tools/common/WavWriter.h"
+#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostedPlugin.h"
+#include "tools/vsthost/PluginReport.h"
+#include "tools/vsthost/SongPlayer.h"
+
+#include <CLI/CLI.hpp>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace zarno {
+namespace {
+
+enum ExitCode { done = 0, badInput = 1, badUsage = 2 };
+constexpr double longestLoad = 600.0; // seconds
+
+struct Arguments {
+    std::string module, song, wave, saveChunk, loadChunk;
+    HostedPlugin::Options host;
+    bool info = false, json = false, realtime = false;
+    int bits = 16, program = -1;
+    double tail = 5.0, editorSeconds = 0.0;
+    std::uint32_t seed = 0;
+    bool hasSeed = false;
+};
+
+void declare(CLI::App& app, Arguments& arguments) {
+    app.add_option("module", arguments.module, "The plug-in module")->required();
+    app.add_flag("--info", arguments.info, "Print what the plug-in reports");
+    app.add_flag("--json", arguments.json, "Print it as JSON");
+    app.add_option("--midi", arguments.song, "Play this standard MIDI file");
+    app.add_option("--wav", arguments.wave, "Write what is heard to this file");
+    app.add_option("--rate", arguments.host.sampleRate, "Sample rate in Hz")
+        ->check(CLI::Range(8000.0, 384000.0));
+    app.add_option("--block", arguments.host.blockSize, "Samples a block")->check(CLI::Range(1, 65536));
+    app.add_option("--bits", arguments.bits, "16, 24, or 32 for float")->check(CLI::IsMember({16, 24, 32}));
+    app.add_option("--tail", arguments.tail, "Seconds after the song's end")->check(CLI::Range(0.0, 3600.0));
+    app.add_option("--save-chunk", arguments.saveChunk, "Save the plug-in's state at the end");
+    app.add_option("--load-chunk", arguments.loadChunk, "Restore a state first");
+    app.add_option("--program", arguments.program, "Choose this instrument of the library");
+    app.add_option("--editor", arguments.editorSeconds, "Open the editor for so many seconds");
+    app.add_flag("--realtime", arguments.realtime,
+                 "Tell the plug-in that this is live playing, not a bounce");
+    app.add_option("--seed", arguments.seed, "Make the plug-in's random choices repeatable")
+        ->each([&](const std::string&) { arguments.hasSeed = true; });
+}
+
+std::filesystem::path filePath(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+int fail(const std::string& message) {
+    std::fprintf(stderr, "vsthost: %s\n", message.c_str());
+    return badInput;
+}
+
+bool restoreFrom(const std::string& path, HostedPlugin& plugin) {
+    std::ifstream file(filePath(path), std::ios::binary);
+    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    if (!file.is_open() || bytes.empty()) return false;
+    plugin.restore({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()});
+    return true;
+}
+
+bool saveTo(const std::string& path, HostedPlugin& plugin) {
+    const auto chunk = plugin.chunk();
+    std::ofstream file(filePath(path), std::ios::binary | std::ios::trunc);
+    file.write(reinterpret_cast<const char*>(chunk.data()), static_cast<std::streamsize>(chunk.size()));
+    return !file.flush().fail();
+}
+
+void print(const PlayedSong& played, double rate) {
+    std::printf("played %.2f s, %d notes, peak %.2f dBFS, RMS %.2f dBFS, slowest block %.3f ms\n",
+                static_cast<double>(played.frames) / rate, played.notes, toDecibels(played.levels.peak()),
+                toDecibels(played.levels.rms()), played.slowestBlockMs);
+}
+
+int play(HostedPlugin& plugin, const Arguments& arguments) {
+    std::string error;
+    const auto song = readSong(arguments.song, error);
+    if (!song) return fail(error);
+    WavWriter wave;
+    const bool writes = !arguments.wave.empty();
+    if (writes && !wave.open(arguments.wave, static_cast<int>(arguments.host.sampleRate), 2,
+                             static_cast<WavWriter::Format>(arguments.bits)))
+        return fail("cannot write " + arguments.wave);
+    bool written = true;
+    const auto played =
+        playSong(plugin, *song, arguments.tail, [&](const float* const* channels, int frames) {
+            written = !writes || wave.write(channels, frames);
+            return written;
+        });
+    if (!written || !wave.close()) return fail("cannot write all of " + arguments.wave);
+    print(played, arguments.host.sampleRate);
+    return done;
+}
+
+int showEditor(HostedPlugin& plugin, double seconds) {
+    std::string error;
+    const auto window = EditorWindow::open(plugin, error);
+    if (!window) return fail(error);
+    const auto size = plugin.editorSize();
+    std::printf("editor open, %d x %d\n", size.width, size.height);
+    window->run(seconds);
+    return done;
+}
+
+int run(const Arguments& arguments) {
+    std::string error;
+    const auto plugin = HostedPlugin::load(arguments.module, arguments.host, error);
+    if (!plugin) return fail(error);
+    if (!arguments.loadChunk.empty() && !restoreFrom(arguments.loadChunk, *plugin))
+        return fail("cannot read " + arguments.loadChunk);
+    if (arguments.program >= 0) plugin->selectProgram(arguments.program);
+    if (!plugin->waitForLoading(longestLoad)) return fail("the instrument is still loading");
+    if (arguments.hasSeed && !plugin->seedRandom(arguments.seed)) return fail("the plug-in takes no seed");
+    plugin->activate();
+    if (arguments.info || arguments.json) {
+        const auto report = askPlugin(*plugin);
+        std::fputs((arguments.json ? reportAsJson(report) : reportAsText(report)).c_str(), stdout);
+    }
+    int result = done;
+    if (!arguments.song.empty()) result = play(*plugin, arguments);
+    if (result == done && arguments.editorSeconds > 0.0)
+        result = showEditor(*plugin, arguments.editorSeconds);
+    if (result == done && !arguments.saveChunk.empty() && !saveTo(arguments.saveChunk, *plugin))
+        return fail("cannot write " + arguments.saveChunk);
+    return result;
+}
+
+} // namespace
+} // namespace zarno
+
+int main(int count, char** values) {
+    CLI::App app{"Hosts a plug-in module as an audio workstation does", "vsthost"};
+    zarno::Arguments arguments;
+    zarno::declare(app, arguments);
+    auto texts = zarno::utf8Arguments(count, values);
+    std::reverse(texts.begin(), texts.end()); // the order its parser takes
+    try {
+        app.parse(texts);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? zarno::done : zarno::badUsage;
+    }
+    arguments.host.offline = !arguments.realtime;
+    return zarno::run(arguments);
+}
