@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
 
 namespace zarno::test {
@@ -18,8 +19,8 @@ class TempFolder {
         std::string name = std::string("zarno-") + test->test_suite_name() + "-" + test->name();
         for (char& c : name)
             if (c == '/') c = '-';
+        name += '-' + std::to_string(std::random_device()()); // another build may be running the same test
         path_ = std::filesystem::temp_directory_path() / name;
-        std::filesystem::remove_all(path_);
         std::filesystem::create_directories(path_);
     }
     ~TempFolder() {
