@@ -93,7 +93,7 @@ void ZInstrument::beginBlock() {
     const bool offline = isOffline();
     if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs();
     wasOffline_ = offline;
-    streams_.beginBlock(offline, renderedMs());
+    streams_.beginBlock(offline || alwaysAwaitBuffers_, renderedMs());
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }

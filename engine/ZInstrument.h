@@ -108,6 +108,9 @@ class ZInstrument final : private ZSEThreadClient {
     // themselves.
     void useKernels(const VoiceKernels* kernels) { renderer_.useKernels(kernels); }
 
+    // [audio, loading] For tests and benchmarks: voices wait for their buffers in real time, too.
+    void alwaysAwaitBuffers(bool always) { alwaysAwaitBuffers_ = always; }
+
     // [audio, loading]
     const VoicePool& pool() const { return pool_; }
 
@@ -148,6 +151,7 @@ class ZInstrument final : private ZSEThreadClient {
     double msBeforeThisRate_ = 0.0;      // length of all blocks until then
     double offlineOrigin_ = 0.0;         // note time of rendered sample 0 while offline
     bool wasOffline_ = false;
+    bool alwaysAwaitBuffers_ = false;
 
     std::atomic<float> requestedRate_{44100.0f};
     std::atomic<bool> offline_{false}, stopRequested_{false}, applyRequested_{false}, loading_{false},

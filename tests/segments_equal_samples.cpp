@@ -4,6 +4,7 @@
 // ZARNO_TEST_ROUNDS: how many instruments. ZARNO_TEST_SEED: the first one's seed, printed by a failure.
 #include "tests/reference/PlainInstrument.h"
 #include "tests/support/RandomInstrument.h"
+#include "tests/support/StreamingInstrument.h"
 
 #include <gtest/gtest.h>
 
@@ -20,11 +21,15 @@ int fromEnvironment(const char* name, int otherwise) {
 
 class Duel {
   public:
-    Duel(std::uint32_t seed, bool sustained)
+    Duel(std::uint32_t seed, bool sustained, bool streamed)
         : chance_(seed)
         , sustained_(sustained)
         , played_(sustained ? chance_.between(1, 40) : chance_.of({1, 2, 4, 8, 32, 64})) {
         fillAtRandom(played_, chance_, sustained);
+        if (streamed) {
+            makeStreaming(played_, chance_.of({1, 2, 3, 70, 500, 500, 3000, chance_.between(1, 5000)}));
+            played_.engine.alwaysAwaitBuffers(true);
+        }
         plain_ = std::make_unique<PlainInstrument>(played_.engine.groups(), played_.engine.settings(),
                                                    played_.clock);
         takeRate();
@@ -166,12 +171,12 @@ class Duel {
     int block_ = 0, lastKey_ = 60;
 };
 
-void duels(bool sustained, int rounds, int frames) {
+void duels(bool sustained, int rounds, int frames, bool streamed = false) {
     const auto first = static_cast<std::uint32_t>(fromEnvironment("ZARNO_TEST_SEED", 1));
     rounds = fromEnvironment("ZARNO_TEST_ROUNDS", rounds);
     int mostVoices = 0;
     for (std::uint32_t seed = first; seed < first + static_cast<std::uint32_t>(rounds); ++seed) {
-        Duel duel(seed, sustained);
+        Duel duel(seed, sustained, streamed);
         ASSERT_TRUE(duel.play(frames)) << "ZARNO_TEST_SEED=" << seed << " ZARNO_TEST_ROUNDS=1";
         mostVoices = std::max(mostVoices, duel.mostVoices);
     }
@@ -184,6 +189,15 @@ TEST(SegmentsEqualSamples, WhateverIsPlayed) {
 
 TEST(SegmentsEqualSamples, ManyHeldVoicesUnderSlowChanges) {
     duels(true, 100, 40000);
+}
+
+// Against buffers that are filled at once.
+TEST(SegmentsEqualSamples, WhateverIsStreamed) {
+    duels(false, 120, 6000, true);
+}
+
+TEST(SegmentsEqualSamples, ManyHeldVoicesStreamed) {
+    duels(true, 20, 30000, true);
 }
 
 } // namespace

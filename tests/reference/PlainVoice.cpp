@@ -42,7 +42,8 @@ bool PlainVoice::start(const PlainZone* zone, int key, int velocity, int channel
 void PlainVoice::startFresh(const PlainZone* zone, int key, int velocity) {
     const ZoneRecord& record = zone->record();
     zone_ = zone;
-    position_ = static_cast<double>(record.startFrame);
+    stream_.start(*zone->zone);
+    position_ = stream_.isOn() ? 0 : static_cast<double>(record.startFrame);
     envelope_ = 0;
     releasing_ = false;
     attacking_ = true;
@@ -92,7 +93,7 @@ bool PlainVoice::render(float& left, float& right) {
     left = right = 0;
     readInterpolated(left, right);
     const double loopEnd = static_cast<double>(zone_->record().loopEnd);
-    if (loops(zone_->record()) && loopEnd <= position_ + increment_)
+    if (!stream_.isOn() && loops(zone_->record()) && loopEnd <= position_ + increment_)
         position_ = static_cast<double>(zone_->record().loopStart);
     stepEnvelope();
     left *= envelope_;
@@ -104,7 +105,10 @@ bool PlainVoice::render(float& left, float& right) {
     else if (state_.pitchMoving || state_.lfoDepth() > 0 || depthWasOn_)
         updateIncrement();
     position_ += increment_;
-    if (position_ >= static_cast<double>(zone_->record().endFrame)) finish();
+    if (position_ >= (stream_.isOn() ? stream_.end() : static_cast<double>(zone_->record().endFrame)))
+        finish();
+    else if (stream_.isOn())
+        stream_.advanced(position_);
     return playing_;
 }
 
@@ -137,12 +141,23 @@ void PlainVoice::readInterpolated(float& left, float& right) const {
     const auto i = static_cast<std::int64_t>(position_);
     const auto t = static_cast<float>(position_ - static_cast<double>(i));
     const auto read = [&](int channel) {
-        if (t == 0) return zone_->frame(i, channel);
-        return interpolate4(t, zone_->frame(i - 1, channel), zone_->frame(i, channel),
-                            zone_->frame(i + 1, channel), zone_->frame(i + 2, channel), quality_);
+        if (t == 0) return frame(i, 0, channel);
+        return interpolate4(t, frame(i, -1, channel), frame(i, 0, channel), frame(i, 1, channel),
+                            frame(i, 2, channel), quality_);
     };
     left = read(0);
     right = zone_->zone->mono ? left : read(1);
+}
+
+// A streaming voice does not look across the seams of its buffers.
+float PlainVoice::frame(std::int64_t index, std::int64_t tap, int channel) const {
+    if (!stream_.isOn()) return zone_->frame(index + tap, channel);
+    const std::int64_t ring = stream_.ringFrames();
+    index %= ring;
+    if (index == 0 && tap < 0) tap = 0;
+    if (index == ring - 1 && tap > 0) tap = 0;
+    if (index == ring - 2 && tap == 2) tap = 1;
+    return stream_.frame(index + tap, channel);
 }
 
 void PlainVoice::finish() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "tests/reference/PlainStream.h"
 #include "tests/reference/PlainZone.h"
 
 namespace zarno {
@@ -51,9 +52,11 @@ class PlainVoice {
     void stepGlide();
     void stepEnvelope();
     void readInterpolated(float& left, float& right) const;
+    float frame(std::int64_t index, std::int64_t tap, int channel) const;
 
     const PlainState& state_;
     const PlainZone* zone_ = nullptr;
+    PlainStream stream_;
     bool playing_ = false, releasing_ = false, attacking_ = false, sustained_ = false, killing_ = false;
     bool depthWasOn_ = false; // the LFO depth was above 0 when the increment was made
     double position_ = 0, increment_ = 1, baseIncrement_ = 1;
