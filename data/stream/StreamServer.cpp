@@ -13,9 +13,8 @@ namespace {
 // One instrument's fills in a row, when others may be waiting too.
 constexpr int fillsPerTurn = 32;
 
-// Offline: a wait is given up when nothing has been read for so long, or after so long altogether.
-constexpr double stallMs = 5000.0, longestWaitMs = 60000.0;
-constexpr unsigned waitStepMs = 100;
+// Between two looks at whether the disk still moves.
+constexpr unsigned longestStepMs = 100;
 
 // Reads done by the disk thread, for whatever instrument.
 std::atomic<std::uint64_t> diskProgress{0};
@@ -72,12 +71,12 @@ bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot) {
     // Given up before, and still nothing moves: one dead disk delays a bounce once, not at every buffer.
     if (progress == stalledAt_) return false;
     while (!slot.isReady()) {
-        filled_.wait(waitStepMs);
+        filled_.wait(std::min(longestStepMs, static_cast<unsigned>(patience_.stallMs)));
         const double now = systemClock().nowMs();
         const std::uint64_t reached = diskProgress.load(std::memory_order_relaxed);
         if (reached != progress) movedAt = now;
         progress = reached;
-        if (now - movedAt > stallMs || now - began > longestWaitMs) {
+        if (now - movedAt > patience_.stallMs || now - began > patience_.longestMs) {
             stalledAt_ = progress;
             return slot.isReady();
         }

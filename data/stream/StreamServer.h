@@ -22,9 +22,19 @@ struct StreamRing {
 /// thread.
 class StreamServer {
   public:
+    /// How long an offline voice waits for a buffer: until the disk has read nothing for `stallMs`, and no
+    /// longer than `longestMs`.
+    struct Patience {
+        double stallMs = 10000.0;
+        double longestMs = 120000.0;
+    };
+
     /// `diskEvent` wakes the disk thread and outlives the server.
     explicit StreamServer(AutoResetEvent& diskEvent)
-        : diskEvent_(diskEvent) {}
+        : StreamServer(diskEvent, Patience()) {}
+    StreamServer(AutoResetEvent& diskEvent, Patience patience)
+        : diskEvent_(diskEvent)
+        , patience_(patience) {}
 
     /// While one lives the disk thread is outside: no zone is read, no buffer written. Any thread but audio
     /// and disk.
@@ -81,6 +91,7 @@ class StreamServer {
     bool waitWhileDiskMoves(const RefillSlot& slot);
 
     AutoResetEvent& diskEvent_;
+    const Patience patience_;
     std::vector<StreamRing> rings_;
 
     // Disk thread, inside serving_.
