@@ -15,7 +15,7 @@ namespace {
 
 constexpr float newZoneRelease = 100.0f; // ms
 constexpr std::uint64_t chunkFrames = 16384;
-constexpr std::uint64_t freePreloadBytes = 1u << 30;
+constexpr std::uint64_t grantedFrames = 65536;
 
 void readFloats(ZSoundFile& sound, SampleMemory& memory) {
     const auto channels = static_cast<std::uint64_t>(memory.channels());
@@ -134,12 +134,15 @@ void ZoneBuilder::recordChanged(ZZone& zone) {
     zone.sound->close();
 }
 
-// Loops are unrolled in a preload: a file of a few kilobytes could ask for any number of gigabytes.
+// Loops are unrolled in a preload: with very long chunks a file of a few kilobytes could ask for any number
+// of gigabytes. What the sample itself would take several times over, or a second of sound, is always
+// granted.
 void ZoneBuilder::countPreload(const ZZone& zone) {
-    preloadBytes_ += zone.memory->bytes();
-    sampleBytes_ += zone.lengthInFrames * static_cast<std::uint64_t>(zone.sound->channelCount()) *
-                    static_cast<std::uint64_t>(zone.sound->bytesPerSample());
-    if (preloadBytes_ > freePreloadBytes && preloadBytes_ / 4 > sampleBytes_) throw std::bad_alloc();
+    const SampleMemory& preload = *zone.memory;
+    const std::uint64_t frameBytes = preload.frames() == 0 ? 0 : preload.bytes() / preload.frames();
+    preloadAllowance_ += std::max(grantedFrames, 4 * zone.lengthInFrames) * frameBytes;
+    preloadBytes_ += preload.bytes();
+    if (preloadBytes_ > preloadAllowance_) throw std::bad_alloc();
 }
 
 } // namespace zarno

@@ -38,7 +38,7 @@ class ZoneBuilder {
 
     const InstrumentSettings& settings_;
     std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
-    std::uint64_t preloadBytes_ = 0, sampleBytes_ = 0;
+    std::uint64_t preloadBytes_ = 0, preloadAllowance_ = 256u << 20;
 };
 
 /// The record of a new zone: range and levels at their start values, points and root note from the sound.
