@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 
-// The conversions of stored integer samples, as plain loops over packed values. `Bytes` is the width of a
+// The conversions of stored samples, as plain loops over packed values. `Bytes` is the width of a
 // stored sample; `Stereo` matters to 8-bit samples only.
 namespace zarno::convert {
 
@@ -74,6 +75,19 @@ inline void silenceNonFinite(float* values, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
         const auto bits = std::bit_cast<std::uint32_t>(values[i]);
         values[i] = (bits & exponent) == exponent ? 0.0f : values[i];
+    }
+}
+
+/// Stored floats keep their bits; as 16-bit integers they are clipped, and what is no number is silent.
+inline void floats(const std::uint8_t* raw, float* out, std::size_t count) {
+    std::memcpy(out, raw, count * sizeof(float));
+}
+inline void floats(const std::uint8_t* raw, std::int16_t* out, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        float value;
+        std::memcpy(&value, raw + i * sizeof value, sizeof value);
+        const float scaled = value == value ? value * 32768.0f : 0.0f;
+        out[i] = static_cast<std::int16_t>(std::clamp(scaled, -32768.0f, 32767.0f));
     }
 }
 

@@ -11,12 +11,13 @@ namespace {
 
 constexpr std::size_t chunkHeaderBytes = 4 + 4;
 constexpr std::uint16_t integerPcm = 1;
+constexpr std::uint16_t floatPcm = 3;
 
 bool isId(const char (&id)[4], const char* name) {
     return std::memcmp(id, name, 4) == 0;
 }
 
-bool readFormat(Bytes& bytes, WaveHeader& header) {
+bool readFormat(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
     struct {
         std::uint16_t tag, channels;
         std::uint32_t sampleRate, byteRate;
@@ -24,7 +25,10 @@ bool readFormat(Bytes& bytes, WaveHeader& header) {
     } format;
     static_assert(sizeof format == 16);
     if (!bytes.read(&format, sizeof format)) return false;
-    if (format.tag != integerPcm || format.channels < 1 || format.channels > 2) return false;
+    header.floatSamples =
+        format.tag == floatPcm && format.bitsPerSample == 32 && formats == WaveFormats::IntegerAndFloat;
+    if (format.tag != integerPcm && !header.floatSamples) return false;
+    if (format.channels < 1 || format.channels > 2) return false;
     if (format.bitsPerSample == 0 || format.bitsPerSample % 8 != 0 || format.bitsPerSample > 32) return false;
 
     header.sampleRate = static_cast<std::int32_t>(format.sampleRate);
@@ -63,7 +67,7 @@ void readSampler(Bytes& bytes, std::uint32_t chunkSize, WaveHeader& header) {
 
 } // namespace
 
-bool readWaveHeader(Bytes& bytes, WaveHeader& header) {
+bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
     header = WaveHeader();
     char id[4];
     if (!bytes.read(id, 4) || !isId(id, "RIFF") || !bytes.read(header.riffSize)) return false;
@@ -74,7 +78,7 @@ bool readWaveHeader(Bytes& bytes, WaveHeader& header) {
         if (!bytes.read(id, 4) || !bytes.read(chunkSize)) break;
         std::uint64_t next = bytes.position() + chunkSize;
         if (isId(id, "fmt ")) {
-            if (!readFormat(bytes, header)) return false;
+            if (!readFormat(bytes, header, formats)) return false;
         } else if (isId(id, "data")) {
             if (!readData(bytes, chunkSize, header)) return false;
         } else if (isId(id, "smpl")) {

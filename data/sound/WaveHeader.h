@@ -12,6 +12,7 @@ struct WaveHeader {
     std::int32_t sampleRate = 44100;
     std::int32_t channels = 2;
     std::int32_t bytesPerSample = 0;
+    bool floatSamples = false;
     std::uint32_t bytesPerFrame = 0; ///< distance from frame to frame; the samples lie at its start
     std::uint32_t riffSize = 0;      ///< as the file states it
     std::uint64_t dataOffset = 0;    ///< of frame 0
@@ -23,8 +24,11 @@ struct WaveHeader {
     std::uint64_t loopEnd = 0; ///< exclusive
 };
 
-/// Reads the header of an integer PCM wave of 8, 16, 24 or 32 bits and 1 or 2 channels. False when it is
-/// something else or has sample data before its format. Sizes beyond the file's end are cut there.
-bool readWaveHeader(Bytes& bytes, WaveHeader& header);
+/// Players read integer samples only; tools read 32-bit floats, too.
+enum class WaveFormats { Integer, IntegerAndFloat };
+
+/// Reads the header of a PCM wave of 8, 16, 24 or 32 bits and 1 or 2 channels. False when it is something
+/// else or has sample data before its format. Sizes beyond the file's end are cut there.
+bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats = WaveFormats::Integer);
 
 } // namespace zarno

@@ -20,7 +20,7 @@ std::uint64_t readFrames(ZSoundFile& sound, float* to, std::uint64_t frames) {
 }
 
 template <typename Sample>
-bool writeFrames(ZSoundFile& sound, std::ostream& out) {
+bool writeFramesAs(ZSoundFile& sound, std::ostream& out) {
     const auto channels = static_cast<std::size_t>(sound.channelCount());
     std::vector<Sample> chunk(chunkFrames * channels);
     sound.seekFrame(0);
@@ -36,6 +36,11 @@ bool writeFrames(ZSoundFile& sound, std::ostream& out) {
 
 } // namespace
 
+bool writeFrames(ZSoundFile& sound, std::ostream& out, int bytesPerSample) {
+    if (bytesPerSample == 2) return writeFramesAs<std::int16_t>(sound, out);
+    return bytesPerSample == 4 && writeFramesAs<float>(sound, out);
+}
+
 bool ZSoundFile::writeEmbedded(std::ostream& out, int bytesPerSample) {
     const bool wasOpen = isOpen();
     if (!wasOpen && !reopen()) return false;
@@ -46,9 +51,7 @@ bool ZSoundFile::writeEmbedded(std::ostream& out, int bytesPerSample) {
     header.frames = static_cast<std::int64_t>(lengthInFrames());
     out.write(reinterpret_cast<const char*>(&header), sizeof header);
 
-    bool written = false;
-    if (bytesPerSample == 2) written = writeFrames<std::int16_t>(*this, out);
-    if (bytesPerSample == 4) written = writeFrames<float>(*this, out);
+    const bool written = writeFrames(*this, out, bytesPerSample);
     if (!wasOpen) close();
     return written;
 }

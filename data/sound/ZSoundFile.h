@@ -61,4 +61,8 @@ class ZSoundFile {
     std::string name_;
 };
 
+/// Writes all frames of an open sound as 16-bit integers (2 bytes per sample) or floats (4). False when one
+/// could not be read or `out` failed.
+bool writeFrames(ZSoundFile& sound, std::ostream& out, int bytesPerSample);
+
 } // namespace zarno

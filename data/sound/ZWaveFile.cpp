@@ -35,7 +35,7 @@ bool ZWaveFile::open(const std::string& path, std::shared_ptr<const File>, std::
     headerKnown_ = false;
     if (!openHandle()) return false;
     Bytes bytes(file_);
-    headerKnown_ = readWaveHeader(bytes, header_) && header_.bytesPerFrame <= chunkBytes;
+    headerKnown_ = readWaveHeader(bytes, header_, formats_) && header_.bytesPerFrame <= chunkBytes;
     if (!headerKnown_) {
         close();
         header_ = WaveHeader();
@@ -66,7 +66,11 @@ std::uint64_t ZWaveFile::readChunk(Out* destination, std::uint64_t frames) {
     if (frameBytes != packedBytes)
         for (std::size_t i = 1; i < got; ++i)
             std::memmove(raw + i * packedBytes, raw + i * frameBytes, packedBytes);
-    convert::packed(header_.bytesPerSample, header_.channels == 2, raw, destination, got * header_.channels);
+    const std::size_t values = got * static_cast<std::size_t>(header_.channels);
+    if (header_.floatSamples)
+        convert::floats(raw, destination, values);
+    else
+        convert::packed(header_.bytesPerSample, header_.channels == 2, raw, destination, values);
     frame_ += got;
     return got;
 }

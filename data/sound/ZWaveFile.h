@@ -7,10 +7,11 @@
 
 namespace zarno {
 
-/// Reads an integer PCM wave file on disk. Says 44100 Hz and 2 channels until it was opened.
+/// Reads a PCM wave file on disk. Says 44100 Hz and 2 channels until it was opened.
 class ZWaveFile final : public ZSoundFile {
   public:
-    ZWaveFile() = default;
+    explicit ZWaveFile(WaveFormats formats = WaveFormats::Integer)
+        : formats_(formats) {}
     ~ZWaveFile() override { close(); }
     ZWaveFile(const ZWaveFile&) = delete;
     ZWaveFile& operator=(const ZWaveFile&) = delete;
@@ -19,7 +20,7 @@ class ZWaveFile final : public ZSoundFile {
               std::uint64_t position = 0) override;
     bool reopen() override;
     void close() override;
-    /// 32-bit samples have no 16-bit form: they read as silence.
+    /// 32-bit integers have no 16-bit form: they read as silence. Floats are clipped.
     std::uint64_t readShort(std::int16_t* destination, std::uint64_t frames) override;
     std::uint64_t readFloat(float* destination, std::uint64_t frames) override;
     void seekFrame(std::uint64_t frame) override { frame_ = frame; }
@@ -36,6 +37,7 @@ class ZWaveFile final : public ZSoundFile {
     std::uint64_t loopStart() const override { return header_.loopStart; }
     std::uint64_t loopEnd() const override { return header_.loopEnd; }
     std::uint8_t rootNote() const override { return header_.rootNote; }
+    bool hasFloatSamples() const { return header_.floatSamples; }
 
     /// [any thread] Wave files open in the whole program.
     static int openCount();
@@ -49,6 +51,7 @@ class ZWaveFile final : public ZSoundFile {
 
     File file_;
     std::string path_;
+    WaveFormats formats_;
     WaveHeader header_;
     bool headerKnown_ = false;
     std::uint64_t frame_ = 0;

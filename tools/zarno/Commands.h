@@ -1,0 +1,15 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+// Each adds its sub-command to the program. Commands throw MakerError when the input is bad.
+namespace zarno {
+
+void addInfoCommand(CLI::App& program);
+void addPackCommand(CLI::App& program);
+void addUnpackCommand(CLI::App& program);
+
+} // namespace zarno

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "data/load/InstrumentFile.h"
+
+#include <functional>
+#include <iosfwd>
+#include <vector>
+
+namespace zarno {
+
+/// An instrument to be written: its structure, and for each sample block where the frames come from.
+struct Model {
+    InstrumentFile file;
+
+    /// One for each of file.blocks. Writes exactly the block's dataBytes; throws MakerError when it cannot.
+    std::vector<std::function<void(std::ostream&)>> frames;
+
+    std::vector<std::uint8_t> trailing; ///< what follows the instrument in its file
+};
+
+} // namespace zarno

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/Arguments.h"
+#include "tools/zarno/Commands.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <exception>
+#include <iostream>
+
+namespace {
+
+enum ExitCode { success = 0, badInput = 1, badUsage = 2 };
+
+constexpr void (*commands[])(CLI::App&) = {
+    zarno::addInfoCommand,
+    zarno::addPackCommand,
+    zarno::addUnpackCommand,
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App program("Makes, shows and plays instruments of Zarno Sampler Player.", "zarno");
+    program.require_subcommand(1);
+    for (const auto add : commands)
+        add(program);
+
+    auto arguments = zarno::utf8Arguments(argc, argv);
+    arguments.erase(arguments.begin());
+    std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+    try {
+        program.parse(arguments);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? success : badUsage;
+    } catch (const std::exception& error) {
+        std::cerr << "zarno: " << error.what() << '\n';
+        return badInput;
+    }
+    return success;
+}
