@@ -11,5 +11,6 @@ namespace zarno {
 void addInfoCommand(CLI::App& program);
 void addPackCommand(CLI::App& program);
 void addUnpackCommand(CLI::App& program);
+void addRenderCommand(CLI::App& program);
 
 } // namespace zarno

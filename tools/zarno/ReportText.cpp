@@ -42,11 +42,13 @@ void settings(std::ostream& out, const InstrumentSettings& record) {
 
 // The fields that are not as in a new record, but for those shown otherwise.
 template <typename Record>
-void otherFields(std::ostream& out, const Record& record, std::initializer_list<std::string_view> shownAlready) {
+void otherFields(std::ostream& out, const Record& record,
+                 std::initializer_list<std::string_view> shownAlready) {
     const RecordLayout& layout = layoutOf(record);
     const Json different = recordToJson(layout, &record);
     for (const RecordField& field : layout.fields) {
-        const bool skip = std::find(shownAlready.begin(), shownAlready.end(), field.name) != shownAlready.end();
+        const bool skip =
+            std::find(shownAlready.begin(), shownAlready.end(), field.name) != shownAlready.end();
         if (!skip && different.contains(std::string(field.name)))
             out << ", " << field.name << ' ' << valueWithUnit(field, &record);
     }
@@ -54,9 +56,9 @@ void otherFields(std::ostream& out, const Record& record, std::initializer_list<
 
 void zone(std::ostream& out, const ZoneEntry& entry) {
     const ZoneRecord& r = entry.record;
-    out << "  \"" << shown(entry.sample) << "\": root " << r.rootKey << ", keys " << r.lowKey << ".." << r.highKey
-        << ", velocities " << r.lowVelocity << ".." << r.highVelocity << ", frames " << r.startFrame << ".."
-        << r.endFrame;
+    out << "  \"" << shown(entry.sample) << "\": root " << r.rootKey << ", keys " << r.lowKey << ".."
+        << r.highKey << ", velocities " << r.lowVelocity << ".." << r.highVelocity << ", frames "
+        << r.startFrame << ".." << r.endFrame;
     if (loops(r)) out << ", loop " << r.loopStart << ".." << r.loopEnd;
     if (isOneShot(r)) out << ", one-shot";
     otherFields(out, r,
@@ -101,7 +103,8 @@ std::string reportToText(const InstrumentReport& report) {
     if (file.fileSize > file.endOffset)
         out << file.fileSize - file.endOffset << " bytes behind the instrument\n";
     if (file.incomplete)
-        out << "incomplete at offset " << file.incomplete->offset << ": " << toUtf8(file.incomplete->reason) << '\n';
+        out << "incomplete at offset " << file.incomplete->offset << ": " << toUtf8(file.incomplete->reason)
+            << '\n';
     out << "\nSettings\n";
     settings(out, file.settings);
     for (std::size_t i = 0; i < file.groups.size(); ++i)

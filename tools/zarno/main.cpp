@@ -16,6 +16,9 @@ constexpr void (*commands[])(CLI::App&) = {
     zarno::addInfoCommand,
     zarno::addPackCommand,
     zarno::addUnpackCommand,
+#ifdef ZARNO_HAS_RENDER
+    zarno::addRenderCommand,
+#endif
 };
 
 } // namespace
@@ -31,6 +34,8 @@ int main(int argc, char** argv) {
     std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
     try {
         program.parse(arguments);
+    } catch (const CLI::RuntimeError& failed) { // a command that has said why
+        return failed.get_exit_code();
     } catch (const CLI::ParseError& error) {
         return program.exit(error) == 0 ? success : badUsage;
     } catch (const std::exception& error) {
