@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A host without a user: loads a plug-in module, says what it reports, plays songs through it, keeps its
 // state.
+#include "platform/Arguments.h"
 #include "tools/common/SongReader.h"
-#include "tools/common/Utf8Arguments.h"
 #include "tools/common/WavWriter.h"
 #include "tools/vsthost/EditorWindow.h"
 #include "tools/vsthost/HostedPlugin.h"
@@ -143,6 +143,7 @@ int main(int count, char** values) {
     zarno::Arguments arguments;
     zarno::declare(app, arguments);
     auto texts = zarno::utf8Arguments(count, values);
+    texts.erase(texts.begin());
     std::reverse(texts.begin(), texts.end()); // the order its parser takes
     try {
         app.parse(texts);
