@@ -22,22 +22,22 @@ BAR = 4 * QUARTER
 
 # Bars 1 to 32, half a bar of each: bass, tenor, then three notes that are played twice.
 FIGURES = """
-C4  E4  G4  C5  E5  54 | C4  D4  A4  D5  F5  56 | B3  D4  G4  D5  F5  58 | C4  E4  G4  C5  E5  54
-C4  E4  A4  E5  A5  61 | C4  D4  F#4 A4  D5  58 | B3  D4  G4  D5  G5  62 | B3  C4  E4  G4  C5  55
-A3  C4  E4  G4  C5  53 | D3  A3  D4  F#4 C5  60 | G3  B3  D4  G4  B4  56 | G3  Bb3 E4  G4  C#5 63
-F3  A3  D4  A4  D5  58 | F3  Ab3 D4  F4  B4  61 | E3  G3  C4  G4  C5  54 | E3  F3  A3  C4  F4  52
-D3  F3  A3  C4  F4  55 | G2  D3  G3  B3  F4  58 | C3  E3  G3  C4  E4  48 | C3  G3  Bb3 C4  E4  57
-F2  F3  A3  C4  E4  64 | F#2 C3  A3  C4  Eb4 71 | Ab2 F3  B3  C4  D4  77 | G2  F3  G3  B3  D4  82
+C4  E4  G4  C5  E5  60 | C4  D4  A4  D5  F5  62 | B3  D4  G4  D5  F5  64 | C4  E4  G4  C5  E5  60
+C4  E4  A4  E5  A5  67 | C4  D4  F#4 A4  D5  64 | B3  D4  G4  D5  G5  68 | B3  C4  E4  G4  C5  61
+A3  C4  E4  G4  C5  59 | D3  A3  D4  F#4 C5  66 | G3  B3  D4  G4  B4  62 | G3  Bb3 E4  G4  C#5 69
+F3  A3  D4  A4  D5  64 | F3  Ab3 D4  F4  B4  67 | E3  G3  C4  G4  C5  60 | E3  F3  A3  C4  F4  58
+D3  F3  A3  C4  F4  61 | G2  D3  G3  B3  F4  64 | C3  E3  G3  C4  E4  54 | C3  G3  Bb3 C4  E4  63
+F2  F3  A3  C4  E4  70 | F#2 C3  A3  C4  Eb4 75 | Ab2 F3  B3  C4  D4  81 | G2  F3  G3  B3  D4  82
 G2  E3  G3  C4  E4  86 | G2  D3  G3  C4  F4  89 | G2  D3  G3  B3  F4  91 | G2  Eb3 A3  C4  F#4 96
-G2  E3  G3  C4  G4  98 | G2  D3  G3  C4  F4  90 | G2  D3  G3  B3  F4  80 | C2  C3  G3  Bb3 E4  68
+G2  E3  G3  C4  G4  98 | G2  D3  G3  C4  F4  90 | G2  D3  G3  B3  F4  80 | C2  C3  G3  Bb3 E4  72
 """
 
 # Bars 33 and 34: bass and tenor held, over them a run of fourteen sixteenths. Bar 35: the last chord.
 RUNS = (
-    ("C2 C3", "F3 A3 C4 F4 C4 A3 C4 A3 F3 A3 F3 D3 F3 D3", 62),
-    ("C2 B2", "G4 B4 D5 F5 D5 B4 D5 B4 G4 B4 D4 F4 E4 D4", 66),
+    ("C2 C3", "F3 A3 C4 F4 C4 A3 C4 A3 F3 A3 F3 D3 F3 D3", 68),
+    ("C2 B2", "G4 B4 D5 F5 D5 B4 D5 B4 G4 B4 D4 F4 E4 D4", 72),
 )
-LAST_CHORD, LAST_LEVEL = "C2 C3 E4 G4 C5", 55
+LAST_CHORD, LAST_LEVEL = "C2 C3 E4 G4 C5", 60
 
 # Beats a minute at the bars where the pace changes; in between it glides.
 PACE = {1: 90, 3: 99, 4: 95, 6: 102, 8: 97, 11: 98, 15: 100, 18: 95, 19: 88, 20: 97, 24: 106, 28: 104}
@@ -113,8 +113,8 @@ def play_run(player, start, bass, run, level):
 def play_last_chord(player, start, level):
     for index, name in enumerate(LAST_CHORD.split()):
         roll = 34 * index
-        player.play(start + roll, 1.1 * BAR - roll, name, level + (6, -2, -4, -2, 4)[index])
-    player.pedal(start, start + 1.15 * BAR)
+        player.play(start + roll, 0.8 * BAR - roll, name, level + (6, -2, -4, -2, 4)[index])
+    player.pedal(start, start + 0.82 * BAR)
 
 
 def tempo_track(last_bar):

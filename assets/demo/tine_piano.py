@@ -88,7 +88,7 @@ def tone_stack(s):
         dsp.high_pass(s, 32.0)
         * dsp.peak(s, 380.0, -2.5, 0.7)
         * dsp.peak(s, 2100.0, 3.0, 0.6)
-        * dsp.high_shelf(s, 2600.0, 3.5)
+        * dsp.high_shelf(s, 2600.0, 5.0)
         * dsp.low_pass(s, 11500.0, 0.6)
     )
 
