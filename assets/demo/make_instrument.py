@@ -35,14 +35,21 @@ ALWAYS, NOTE = 0, 2
 
 
 class Progress:
+    """A bar on a terminal; in a log, a line every tenth of the way."""
+
     def __init__(self, total):
         self.total, self.done = total, 0
 
     def step(self, label):
+        tenth = 10 * self.done // self.total
         self.done += 1
-        bar = "#" * (30 * self.done // self.total)
-        end = "\n" if self.done == self.total else ""
-        print(f"\r[{bar:<30}] {100 * self.done // self.total:3d} %  {label:<28}", end=end, flush=True)
+        percent = f"{100 * self.done // self.total:3d} %"
+        if sys.stdout.isatty():
+            bar = "#" * (30 * self.done // self.total)
+            end = "\n" if self.done == self.total else ""
+            print(f"\r[{bar:<30}] {percent}  {label:<28}", end=end, flush=True)
+        elif 10 * self.done // self.total > tenth:
+            print(f"{percent}  {label}", flush=True)
 
 
 def write_wave(path, sound, seed):
