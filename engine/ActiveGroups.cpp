@@ -32,7 +32,9 @@ void ActiveGroups::updateGroup(ZGroup& group, const EngineEvent& event) {
         // on purpose.
         const int number = record.controllerNumber;
         const int value =
-            number >= 0 && number < 128 ? inputs_.controllers[static_cast<std::size_t>(number)] : -1;
+            number >= 0 && number < 128
+                ? inputs_.controllers[static_cast<std::size_t>(number)].load(std::memory_order_relaxed)
+                : -1;
         return set(group, value >= 0 && record.controllerLow <= value && value <= record.controllerHigh);
     }
     case GroupTrigger::Program:

@@ -5,6 +5,7 @@
 #include "engine/ZGroup.h"
 
 #include <array>
+#include <atomic>
 #include <functional>
 #include <vector>
 
@@ -16,9 +17,12 @@ class ActiveGroups {
   public:
     using Groups = std::vector<std::unique_ptr<ZGroup>>;
 
+    // The last value of each controller. Written by the audio thread; any thread may look.
+    using ControllerValues = std::array<std::atomic<std::uint8_t>, 128>;
+
     // Controller values and program as the triggers see them.
     struct Inputs {
-        const std::array<std::uint8_t, 128>& controllers;
+        const ControllerValues& controllers;
         const int& program;
     };
 

@@ -36,7 +36,7 @@ void EventDispatcher::dispatch(const EngineEvent& event, double nowMs) {
         to_.modulation.setBendValue(event.data2 * 128 + event.data1);
         break;
     case midi::controller:
-        controllers_[event.data1] = event.data2;
+        controllers_[event.data1].store(event.data2, std::memory_order_relaxed);
         handleController(event.data1, event.data2, event.channel());
         break;
     default:

@@ -37,6 +37,10 @@ class EventDispatcher {
 
     ActiveGroups& activeGroups() { return activeGroups_; }
     const ActiveGroups& activeGroups() const { return activeGroups_; }
+    // Any thread.
+    int controllerValue(int number) const {
+        return controllers_[static_cast<std::size_t>(number & 0x7F)].load(std::memory_order_relaxed);
+    }
     void liftPedal() { sustainPedal_ = false; }
 
   private:
@@ -49,7 +53,7 @@ class EventDispatcher {
     void setDepthFrom(LfoDepthSource source, float depth);
 
     Targets to_;
-    std::array<std::uint8_t, 128> controllers_{};
+    ActiveGroups::ControllerValues controllers_{};
     std::array<std::uint8_t, 128> lastVelocity_;
     std::array<double, 128> noteOnTime_{}; // ms
     int program_ = 0;

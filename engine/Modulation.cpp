@@ -88,6 +88,7 @@ void Modulation::setBendValue(int value) {
 }
 
 void Modulation::setBendAmount(float amount) {
+    bendAmount_.store(amount, std::memory_order_relaxed);
     const float range = static_cast<float>(bendRange_.load(std::memory_order_relaxed));
     bendTarget_.store(semitoneRatio(range * finiteOr(amount, 0.0f)), std::memory_order_relaxed);
 }

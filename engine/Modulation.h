@@ -42,6 +42,8 @@ class Modulation {
     void setBendValue(int value);
     // -1..+1. Any thread; acts at the next segment.
     void setBendAmount(float amount);
+    // The amount set last, by either. Any thread.
+    float bendAmount() const { return bendAmount_.load(std::memory_order_relaxed); }
     void setBendRange(int semitones) { bendRange_.store(semitones, std::memory_order_relaxed); }
 
     void setExpressionTarget(float gain) { expressionTarget_ = gain; }
@@ -61,7 +63,7 @@ class Modulation {
     PlayContext& context_;
     ZLFO lfo_;
     std::atomic<int> bendRange_{2}; // semitones
-    std::atomic<float> bendTarget_{1.0f};
+    std::atomic<float> bendTarget_{1.0f}, bendAmount_{0.0f};
     float bendCurrent_ = 1.0f;
     float expressionCurrent_ = 1.0f, expressionTarget_ = 1.0f;
     PanGains pan_{1.0f, 1.0f};

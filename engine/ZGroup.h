@@ -29,6 +29,7 @@ class ZGroup {
   public:
     GroupRecord record;
     std::atomic<bool> active{false}; // written by ActiveGroups only; any thread may look
+    std::atomic<bool> wanted{false}; // see ZInstrument::requestActiveGroups
 
     // Takes the zone over and files it under its keys: its record must be complete by now.
     ZZone& addZone(std::unique_ptr<ZZone> zone);

@@ -85,6 +85,22 @@ void ZInstrument::takeRequests() {
     applySampleRate();
     if (stopRequested_.exchange(false, std::memory_order_acquire)) pool_.stopAll();
     if (applyRequested_.exchange(false, std::memory_order_acquire)) applySettings();
+    if (groupsRequested_.exchange(false, std::memory_order_acquire)) activateRequestedGroups();
+}
+
+void ZInstrument::requestActiveGroups(const std::vector<int>& indices) {
+    for (std::size_t i = 0; i < groups_.size(); ++i) {
+        const bool wanted = std::find(indices.begin(), indices.end(), static_cast<int>(i)) != indices.end();
+        groups_[i]->wanted.store(wanted, std::memory_order_relaxed);
+    }
+    groupsRequested_.store(true, std::memory_order_release);
+}
+
+// A request made meanwhile is seen in part, and whole at the next block.
+void ZInstrument::activateRequestedGroups() {
+    deactivateAllGroups();
+    for (const auto& group : groups_)
+        if (group->wanted.load(std::memory_order_relaxed)) activateGroup(group.get());
 }
 
 void ZInstrument::beginBlock() {
@@ -212,6 +228,7 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 }
 
 void ZInstrument::clear() {
+    groupsRequested_.store(false, std::memory_order_relaxed);
     const StreamServer::Pause noReads(streams_);
     pool_.stopAll();
     deactivateAllGroups();

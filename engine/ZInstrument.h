@@ -54,10 +54,13 @@ class ZInstrument final : private ZSEThreadClient {
     void requestStop() { stopRequested_.store(true, std::memory_order_release); }
     // [any] applySettings at the next render.
     void requestApplySettings() { applyRequested_.store(true, std::memory_order_release); }
+    // [one thread, while no load runs] These groups (indices, in instrument order) become the active ones at
+    // the next render, whatever their triggers; the next event may have triggers change that again.
+    void requestActiveGroups(const std::vector<int>& indices);
 
     // [audio, loading] Takes volume, pan and LFO over from the settings and tells the delegate.
     void applySettings();
-    // [loading] Sound settings and name back to their defaults.
+    // [loading; one more thread that keeps loads out] Sound settings and name back to their defaults.
     void resetSettings();
     // [any] Posts a zero for every controller that a reset touches.
     void resetControllers(int channel);
@@ -68,6 +71,9 @@ class ZInstrument final : private ZSEThreadClient {
 
     // [any, while no load runs] Groups in file order.
     const std::vector<std::unique_ptr<ZGroup>>& groups() const { return groups_; }
+    // [any] What the last event of each controller, and the last bend of any kind (-1..+1), said.
+    int controllerValue(int number) const { return dispatcher_.controllerValue(number); }
+    float pitchBend() const { return modulation_.bendAmount(); }
     // [any] Index of the first active group, -1 when none is.
     int currentGroupIndex() const { return currentGroup_.load(std::memory_order_relaxed); }
     // [audio, loading]
@@ -117,6 +123,7 @@ class ZInstrument final : private ZSEThreadClient {
   private:
     void serviceStreams() override { streams_.serve(); }
     void takeRequests();
+    void activateRequestedGroups();
     void applySampleRate();
     void beginBlock();
     void dispatchDue(int sample, bool isLast);
@@ -154,8 +161,8 @@ class ZInstrument final : private ZSEThreadClient {
     bool alwaysAwaitBuffers_ = false;
 
     std::atomic<float> requestedRate_{44100.0f};
-    std::atomic<bool> offline_{false}, stopRequested_{false}, applyRequested_{false}, loading_{false},
-        shuttingDown_{false};
+    std::atomic<bool> offline_{false}, stopRequested_{false}, applyRequested_{false}, groupsRequested_{false},
+        loading_{false}, shuttingDown_{false};
     std::atomic<int> currentGroup_{-1}, playingVoices_{0};
 };
 

@@ -121,20 +121,26 @@ void storeKnob(const KnobBinding& knob, GroupRecord& group, double position) {
         group.** field = static_cast<float>(knob.value(position));
 }
 
-double knobValue(const KnobBinding& knob, const InstrumentSettings& settings) {
+double knobValueIn(const KnobBinding& knob, const InstrumentSettings& settings) {
     if (const auto* real = std::get_if<RelaxedFloat Settings::*>(&knob.field)) return settings.**real;
     if (const auto* whole = std::get_if<RelaxedInt Settings::*>(&knob.field)) return settings.**whole;
     return 0.0;
 }
 
-double knobValue(const KnobBinding& knob, const GroupRecord& group) {
+double knobValueIn(const KnobBinding& knob, const GroupRecord& group) {
     const auto* field = std::get_if<RelaxedFloat GroupRecord::*>(&knob.field);
     return field != nullptr ? static_cast<double>(group.**field) : 0.0;
 }
 
-double knobPositionFor(const KnobBinding& knob, double value, double current) {
-    if (static_cast<float>(knob.value(current)) == static_cast<float>(value)) return current;
-    const double position = knob.position(value);
+double knobPositionFor(int id, double value, double current) {
+    const KnobBinding* knob = findKnob(id);
+    double position = current;
+    if (id == pitchBendKnobId)
+        position = bendAt(current) == value ? current : value / 2.0 + 0.5;
+    else if (isControllerKnob(id))
+        position = controllerValueAt(current) == value ? current : (value + 0.001) / 127.0;
+    else if (knob != nullptr && static_cast<float>(knob->value(current)) != static_cast<float>(value))
+        position = knob->position(value);
     return std::isfinite(position) ? std::clamp(position, 0.0, 1.0) : current;
 }
 

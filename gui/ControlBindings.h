@@ -78,12 +78,21 @@ inline int controllerNumber(int id) {
 // Field access by binding. A group binding needs the group's record, the others the instrument's settings.
 void storeKnob(const KnobBinding& knob, InstrumentSettings& settings, double position);
 void storeKnob(const KnobBinding& knob, GroupRecord& group, double position);
-double knobValue(const KnobBinding& knob, const InstrumentSettings& settings);
-double knobValue(const KnobBinding& knob, const GroupRecord& group);
+double knobValueIn(const KnobBinding& knob, const InstrumentSettings& settings);
+double knobValueIn(const KnobBinding& knob, const GroupRecord& group);
 
-// Where a knob that stands at `current` belongs when its setting is `value`, within 0..1. A knob whose
-// position means just that value already (several do where the value is a whole number) stays where it is.
-double knobPositionFor(const KnobBinding& knob, double value, double current);
+// -1..+1, and 0..127, of the two kinds of knobs that have no field.
+inline double bendAt(double position) {
+    return (position - 0.5) * 2.0;
+}
+inline int controllerValueAt(double position) {
+    return static_cast<int>(position * 127.0);
+}
+
+// Where a knob that stands at `current` belongs when what it drives is `value`, within 0..1. A knob whose
+// position means just that value already (several do where the value is a whole number) stays where it is, as
+// do knobs that drive nothing.
+double knobPositionFor(int id, double value, double current);
 
 // "-6.0 dB": the setting at a position, for people.
 std::string knobText(const KnobBinding& knob, double position);

@@ -22,9 +22,9 @@ void PanelEdits::finish(Afterwards afterwards) {
 
 void PanelEdits::knobMoved(int id, double position) {
     if (id == pitchBendKnobId) {
-        engine_.setPitchBend(static_cast<float>((position - 0.5) * 2.0));
+        engine_.setPitchBend(static_cast<float>(bendAt(position)));
     } else if (isControllerKnob(id)) {
-        engine_.postEvent(midi::controller, 0, controllerNumber(id), static_cast<int>(position * 127.0),
+        engine_.postEvent(midi::controller, 0, controllerNumber(id), controllerValueAt(position),
                           immediateOffset);
     } else if (const KnobBinding* knob = findKnob(id)) {
         if (knob->isOfGroup())
@@ -77,12 +77,13 @@ void PanelEdits::storeFlag(RelaxedInt GroupRecord::*flag, bool value) {
     finish(Afterwards::PrepareZones);
 }
 
-std::optional<double> PanelEdits::knobPosition(int id, double current) const {
+std::optional<double> PanelEdits::knobValue(int id) const {
+    if (id == pitchBendKnobId) return engine_.pitchBend();
+    if (isControllerKnob(id)) return engine_.controllerValue(controllerNumber(id));
     const KnobBinding* knob = findKnob(id);
     if (knob == nullptr || (knob->isOfGroup() && chosen_.empty())) return {};
-    const double value =
-        knob->isOfGroup() ? knobValue(*knob, chosen_.front()->record) : knobValue(*knob, engine_.settings());
-    return knobPositionFor(*knob, value, current);
+    return knob->isOfGroup() ? knobValueIn(*knob, chosen_.front()->record)
+                             : knobValueIn(*knob, engine_.settings());
 }
 
 std::optional<int> PanelEdits::comboItem(int id) const {

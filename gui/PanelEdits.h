@@ -26,8 +26,9 @@ class PanelEdits {
     // window's.
     void buttonClicked(const ButtonBinding& button, bool toggled);
 
-    // Empty: nothing drives the control (unknown id, no group chosen), it stays as it is.
-    std::optional<double> knobPosition(int id, double current) const;
+    // What the engine has now. Empty: nothing drives the control (unknown id, no group chosen), it stays as
+    // it is.
+    std::optional<double> knobValue(int id) const;
     std::optional<int> comboItem(int id) const;
     std::optional<bool> buttonState(int id) const;
 

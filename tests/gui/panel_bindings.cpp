@@ -71,7 +71,7 @@ TEST_F(PanelBindings, EachInstrumentKnobWritesItsFieldAndNothingElse) {
             engine.settings() = InstrumentSettings{};
             applied.count = 0;
             edits().knobMoved(row.id, position);
-            EXPECT_NEAR(knobValue(*findKnob(row.id), engine.settings()), expected, 1e-6) << row.id;
+            EXPECT_NEAR(knobValueIn(*findKnob(row.id), engine.settings()), expected, 1e-6) << row.id;
             for (const std::size_t offset : changedFields(engine.settings()))
                 EXPECT_EQ(offset, row.offset) << row.id;
             EXPECT_EQ(applied.count, 0) << "nothing is applied on this thread";
@@ -94,11 +94,11 @@ TEST_F(PanelBindings, EachGroupKnobWritesItsFieldInTheChosenGroupsOnly) {
             group(i) = GroupRecord{};
         const auto generation = engine.groups()[2]->generation();
         edits().knobMoved(row.id, 0.0);
-        EXPECT_FLOAT_EQ(static_cast<float>(knobValue(*findKnob(row.id), group(0))),
+        EXPECT_FLOAT_EQ(static_cast<float>(knobValueIn(*findKnob(row.id), group(0))),
                         static_cast<float>(row.atZero));
         edits().knobMoved(row.id, 0.75);
         for (const int chosen : selection) {
-            EXPECT_FLOAT_EQ(static_cast<float>(knobValue(*findKnob(row.id), group(chosen))),
+            EXPECT_FLOAT_EQ(static_cast<float>(knobValueIn(*findKnob(row.id), group(chosen))),
                             static_cast<float>(row.atThreeQuarters));
             EXPECT_THAT(changedFields(group(chosen)), ElementsAre(row.offset)) << row.id;
         }
@@ -106,7 +106,7 @@ TEST_F(PanelBindings, EachGroupKnobWritesItsFieldInTheChosenGroupsOnly) {
         EXPECT_TRUE(changedFields(group(1)).empty());
         selection.clear();
         edits().knobMoved(row.id, 0.25);
-        EXPECT_FALSE(edits().knobPosition(row.id, 0.5).has_value());
+        EXPECT_FALSE(edits().knobValue(row.id).has_value());
         selection = {0, 2};
     }
     EXPECT_TRUE(changedFields(engine.settings()).empty());
@@ -118,17 +118,16 @@ TEST_F(PanelBindings, KnobsShowTheEnginesValueAndShowingIsNoChange) {
         if (knob == nullptr) continue;
         for (double position = 0.0; position <= 1.0; position += 1.0 / 64) {
             edits().knobMoved(id, position);
-            EXPECT_EQ(edits().knobPosition(id, position), position)
-                << id << ": it stays where the user put it";
-            const double shown = *edits().knobPosition(id, 1.0 - position);
-            const double value = knob->value(position);
+            const double value = *edits().knobValue(id);
+            EXPECT_EQ(knobPositionFor(id, value, position), position) << id << " stays where the user put it";
+            const double shown = knobPositionFor(id, value, 1.0 - position);
             EXPECT_NEAR(knob->value(shown), value, std::abs(value) * 1e-5 + 1e-5) << id << " at " << position;
         }
     }
-    engine.settings().volume = 100.0f;
-    EXPECT_EQ(edits().knobPosition(2, 0.3), 1.0);
-    engine.settings().volume = std::nanf("");
-    EXPECT_EQ(edits().knobPosition(2, 0.3), 0.3);
+    EXPECT_EQ(knobPositionFor(2, 100.0, 0.3), 1.0);
+    EXPECT_EQ(knobPositionFor(2, std::nan(""), 0.3), 0.3);
+    for (int value = 0; value < 128; ++value)
+        EXPECT_EQ(controllerValueAt(knobPositionFor(250, value, 0.3)), value);
 }
 
 TEST_F(PanelBindings, CombosOfferTheirListsAndStoreTheIndex) {
@@ -199,7 +198,34 @@ TEST_F(PanelBindings, KnobsFrom200OnSendControllersAtOnce) {
     EXPECT_FLOAT_EQ(engine.settings().volume, (127.0f - 63.0f) / 127.0f * -60.0f);
     EXPECT_EQ(controllerNumber(250), 50);
     EXPECT_EQ(controllerNumber(200 + 256), 0);
-    EXPECT_FALSE(edits().knobPosition(207, 0.5).has_value());
+    EXPECT_EQ(edits().knobValue(207), 63);
+}
+
+TEST_F(PanelBindings, TheBendKnobBendsAndShowsTheHostsBend) {
+    edits().knobMoved(pitchBendKnobId, 0.0);
+    EXPECT_EQ(edits().knobValue(pitchBendKnobId), -1.0);
+    engine.postEvent(midi::pitchBend, 0, 0, 96, 0);
+    renderOneBlock();
+    EXPECT_NEAR(knobPositionFor(pitchBendKnobId, *edits().knobValue(pitchBendKnobId), 0.0), 0.75, 1e-6);
+}
+
+TEST_F(PanelBindings, GroupsPickedInTheWindowAreActiveFromTheNextBlockOn) {
+    for (int i = 0; i < 3; ++i)
+        group(i).trigger = static_cast<std::int32_t>(GroupTrigger::Manual);
+    engine.activateGroup(engine.groups()[1].get());
+    engine.requestActiveGroups({0, 2});
+    EXPECT_THAT(engine.activeGroups(), ElementsAre(engine.groups()[1].get()));
+    renderOneBlock();
+    EXPECT_THAT(engine.activeGroups(), ElementsAre(engine.groups()[0].get(), engine.groups()[2].get()));
+    EXPECT_EQ(engine.currentGroupIndex(), 0);
+    engine.requestActiveGroups({});
+    renderOneBlock();
+    EXPECT_EQ(engine.currentGroupIndex(), -1);
+    engine.requestActiveGroups({1});
+    engine.clear();
+    engine.createGroup("of the next load");
+    renderOneBlock();
+    EXPECT_TRUE(engine.activeGroups().empty());
 }
 
 TEST_F(PanelBindings, TheSelectionBelongsToOneLoad) {

@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/CPlayerGUI.h"
+
+#include "gui/CPlayerKeyboard.h"
+#include "gui/ImageDecoder.h"
+#include "gui/Theme.h"
+
+namespace zarno {
+
+CPlayerGUI::CPlayerGUI(ControlListeners listeners, KeyboardRoute* route, ShowMessage showMessage)
+    : listeners_(listeners)
+    , route_(route)
+    , showMessage_(std::move(showMessage)) {
+    setTitle("Player panel");
+    setFocusContainerType(FocusContainerType::focusContainer);
+}
+
+CPlayerGUI::~CPlayerGUI() = default;
+
+void CPlayerGUI::rebuild(std::string_view layoutText, const std::vector<std::uint8_t>& image) {
+    controls_ = {};
+    background_ = image.empty() ? juce::Image() : decodeImage(image.data(), image.size());
+    auto layout = readLayout(layoutText);
+    if (const auto* problem = std::get_if<LayoutProblem>(&layout)) {
+        repaint();
+        showMessage_(problem->caption, problem->text);
+        return;
+    }
+    auto& description = std::get<Layout>(layout);
+    setSize(description.width, description.height);
+    controls_ = PanelBuilder(*this, keyboardState_, route_, listeners_).build(std::move(description));
+    repaint();
+}
+
+void CPlayerGUI::paint(juce::Graphics& g) {
+    g.fillAll(juce::Colour(theme::body));
+    if (background_.isValid()) {
+        g.setImageResamplingQuality(juce::Graphics::highResamplingQuality);
+        g.drawImageAt(background_, 0, 0);
+    } else {
+        defaultBackground_.draw(g);
+    }
+}
+
+} // namespace zarno

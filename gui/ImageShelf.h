@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "gui/LayoutReader.h"
+
+#include <vector>
+
+namespace zarno {
+
+// The images that a layout declares, decoded when they are asked for.
+class ImageShelf {
+  public:
+    explicit ImageShelf(std::vector<LayoutImage> images);
+
+    // The first in document order that has the number and can be decoded; a null image when there is none.
+    // All images of a shelf together have at most maxPixels: those beyond count as undecodable.
+    juce::Image find(int number);
+
+    static constexpr std::size_t maxPixels = 64 * 1024 * 1024;
+
+  private:
+    struct Entry {
+        LayoutImage source;
+        juce::Image image;
+        bool isTried = false;
+    };
+    std::vector<Entry> entries_;
+    std::size_t pixelsLeft_ = maxPixels;
+};
+
+} // namespace zarno
