@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
 """Makes an instrument folder of the organ in Debian's grandorgue-demo: looped stereo pipes.
 

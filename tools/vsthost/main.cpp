@@ -142,6 +142,7 @@ int main(int count, char** values) {
     CLI::App app{"Hosts a plug-in module as an audio workstation does", "vsthost"};
     zarno::Arguments arguments;
     zarno::declare(app, arguments);
+    app.allow_windows_style_options(false); // a path may begin with a slash on Wine
     auto texts = zarno::utf8Arguments(count, values);
     texts.erase(texts.begin());
     std::reverse(texts.begin(), texts.end()); // the order its parser takes
