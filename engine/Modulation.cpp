@@ -23,11 +23,11 @@ Modulation::Modulation(InstrumentSettings& settings, PlayContext& context)
     expressionCurrent_ = expressionTarget_;
 }
 
+// A value so large that a step does not change it goes to its target at once: it would never come back.
 void Modulation::moveToward(float& current, float target) {
-    if (std::fabs(target - current) < smoothingStep)
-        current = target;
-    else
-        current += target > current ? smoothingStep : -smoothingStep;
+    const float moved = current + (target > current ? smoothingStep : -smoothingStep);
+    const bool arrives = std::fabs(target - current) < smoothingStep || moved == current;
+    current = arrives ? target : moved;
 }
 
 void Modulation::fill(ModulationSegment& segment, int frames) {

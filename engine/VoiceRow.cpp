@@ -107,9 +107,12 @@ bool VoiceRow::canShareLanes(const ZVoice& voice, const FrameWindow& window, con
 
     const double frames = run.frames();
     double increment = voice.increment_;
-    if (run.pitchFollows)
-        increment = std::max(increment, voice.baseIncrement_ * static_cast<double>(voice.glideCurrent_) *
-                                            static_cast<double>(run.segment.maxPitchRatio));
+    if (run.pitchFollows) {
+        const double followed = voice.baseIncrement_ * static_cast<double>(voice.glideCurrent_) *
+                                static_cast<double>(run.segment.maxPitchRatio);
+        if (std::isnan(followed)) return false; // no pitch at all, moved by an infinite ratio
+        increment = std::max(increment, followed);
+    }
     const double furthest = (voice.position_ + (frames + 1.0) * increment) * positionMargin;
     if (voice.position_ < window.origin || !(furthest < window.limit)) return false;
     if (voice.jumpsBack_ && !(furthest + increment < static_cast<double>(voice.zone_->record.loopEnd)))

@@ -76,19 +76,20 @@ void PlainInstrument::renderBlock(float* left, float* right, int numSamples) {
     }
 }
 
+static void moveToward(float& current, float target) {
+    if (std::fabs(target - current) < 0.01f)
+        current = target;
+    else
+        current += current < target ? 0.01f : -0.01f;
+}
+
 void PlainInstrument::stepBend() {
     state_.pitchMoving = state_.bend != bendTarget_;
-    if (std::fabs(state_.bend - bendTarget_) < 0.01f)
-        state_.bend = bendTarget_;
-    else
-        state_.bend += state_.bend < bendTarget_ ? 0.01f : -0.01f;
+    moveToward(state_.bend, bendTarget_);
 }
 
 void PlainInstrument::stepExpression() {
-    if (std::fabs(expressionTarget_ - expression_) < 0.01f)
-        expression_ = expressionTarget_;
-    else
-        expression_ += expression_ < expressionTarget_ ? 0.01f : -0.01f;
+    moveToward(expression_, expressionTarget_);
 }
 
 void PlainInstrument::stepLfo() {

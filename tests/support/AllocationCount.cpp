@@ -11,6 +11,7 @@ std::size_t zarno::allocationsOfThisThread() {
     return allocations;
 }
 
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 void* operator new(std::size_t size) {
     ++allocations;
     if (void* memory = std::malloc(size ? size : 1)) return memory;
@@ -24,3 +25,4 @@ void operator delete(void* memory) noexcept {
 void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
+#endif

@@ -5,6 +5,13 @@
 
 namespace zarno {
 
+// The sanitizers bring an operator new of their own, which checks more than this counts.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+inline constexpr bool allocationsAreCounted = false;
+#else
+inline constexpr bool allocationsAreCounted = true;
+#endif
+
 // How often the calling thread has taken memory with operator new since it began.
 std::size_t allocationsOfThisThread();
 
