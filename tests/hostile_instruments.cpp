@@ -24,11 +24,12 @@ using namespace test;
 // crash (the sanitizer builds watch), nothing may take long or much memory, and what is heard must be finite.
 class HostileInstruments : public testing::Test {
   protected:
-    static std::string smallInstrument(bool embedded) {
+    static InstrumentBuilder smallInstrument(bool embedded, bool streaming) {
         InstrumentBuilder file;
         file.storage = embedded;
-        file.settings.streaming = file.settings.streamingStored = 0;
-        file.settings.polyphony = file.settings.polyphonyStored = 4;
+        file.settings.streamingStored = streaming;
+        file.settings.streamBufferFramesStored = 8;
+        file.settings.polyphonyStored = 4;
         file.image = "PNG", file.layout = "<x/>", file.licences = {"l"};
         const std::string frames(64, 'f');
         const auto sample = [&](int width) { return embedded ? block(width, 44100, 1, 32, frames) : ""; };
@@ -36,7 +37,7 @@ class HostileInstruments : public testing::Test {
                        {"B", {}, {zone("b.wav")}, {}}};
         file.groups[1].zones[0].block = sample(2);
         file.groups[1].zones[0].record.loopMode = 2;
-        return file.bytes();
+        return file;
     }
 
     void loadAndPlay(const std::string& bytes) {
@@ -69,7 +70,7 @@ class HostileInstruments : public testing::Test {
 TEST_F(HostileInstruments, CutAtEveryByte) {
     for (const bool embedded : {true, false}) {
         folder_.write("a.wav", rampWave(32));
-        const std::string whole = smallInstrument(embedded);
+        const std::string whole = smallInstrument(embedded, false).bytes();
         for (std::size_t length = 0; length <= whole.size(); ++length) {
             SCOPED_TRACE(length);
             ASSERT_NO_FATAL_FAILURE(loadAndPlay(whole.substr(0, length)));
@@ -102,12 +103,31 @@ std::string mutated(std::string bytes, std::mt19937& random) {
 TEST_F(HostileInstruments, TenThousandMutations) {
     std::mt19937 random(20240229);
     for (const bool embedded : {true, false}) {
-        const std::string whole = smallInstrument(embedded);
+        const std::string inMemory = smallInstrument(embedded, false).bytes();
+        const std::string streamed = smallInstrument(embedded, true).bytes();
         for (int i = 0; i < 5000; ++i) {
             SCOPED_TRACE(i);
+            const std::string& whole = i % 2 == 0 ? inMemory : streamed;
             folder_.write("a.wav", mutated(rampWave(32), random));
             ASSERT_NO_FATAL_FAILURE(loadAndPlay(mutated(whole, random)));
         }
+    }
+    expectLittleMemory();
+}
+
+TEST_F(HostileInstruments, AllThatASmallFileCanAskFor) {
+    for (const bool embedded : {true, false}) {
+        auto file = smallInstrument(embedded, true);
+        file.settings.streamBufferFramesStored = INT32_MAX;
+        file.settings.polyphonyStored = INT32_MAX;
+        folder_.write("a.wav", rampWave(32));
+        while (file.groups[1].zones.size() < 2000) {
+            file.groups[1].zones.push_back(zone("a.wav"));
+            ZoneRecord& record = file.groups[1].zones.back().record;
+            record.loopMode = 2, record.loopEnd = 30;
+            record.startFrame = file.groups[1].zones.size() % 30; // a preload of its own
+        }
+        ASSERT_NO_FATAL_FAILURE(loadAndPlay(file.bytes()));
     }
     expectLittleMemory();
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/zarno/Commands.h"
+#include "tools/zarno/FilePaths.h"
 #include "tools/zarno/Render.h"
 
 #include <CLI/CLI.hpp>
@@ -23,6 +24,7 @@ void addRenderCommand(CLI::App& program) {
     command->add_option("--seed", options->seed, "Makes random choices repeatable");
     command->add_flag("--realtime", options->realtime, "As a host that plays live, not one that bounces");
     command->callback([options] {
+        options->instrument = absolutePath(options->instrument);
         if (const int failed = render(*options)) throw CLI::RuntimeError(failed); // it has said why
     });
 }
