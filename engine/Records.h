@@ -191,4 +191,12 @@ ZARNO_AT(ZoneRecord, exclusiveId, 92);
 ZARNO_AT(ZoneRecord, unread, 96);
 #undef ZARNO_AT
 
+// Copies of records that may be in use: see copyRecord.
+inline void copySettings(InstrumentSettings& to, const InstrumentSettings& from) {
+    copyRecord(to, from, offsetof(InstrumentSettings, unread));
+}
+inline void copyGroup(GroupRecord& to, const GroupRecord& from) {
+    copyRecord(to, from, offsetof(GroupRecord, unread));
+}
+
 } // namespace zarno

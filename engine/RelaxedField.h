@@ -2,6 +2,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <type_traits>
 
 namespace zarno {
@@ -28,5 +31,19 @@ class RelaxedField {
     static_assert(std::is_trivially_copyable_v<T> && sizeof(T) == 4);
     T value_{};
 };
+
+// Copies a record whose first `fieldBytes` are such fields: they may be in use on other threads, the rest
+// not.
+template <typename Record>
+void copyRecord(Record& to, const Record& from, std::size_t fieldBytes) {
+    using Word [[gnu::may_alias]] = std::uint32_t; // the fields are integers and floats alike
+    static_assert(sizeof(Record) % sizeof(Word) == 0 && std::is_trivially_copyable_v<Record>);
+    auto* target = reinterpret_cast<Word*>(&to);
+    const auto* source = reinterpret_cast<const Word*>(&from);
+    for (std::size_t i = 0; i < fieldBytes / sizeof(Word); ++i)
+        __atomic_store_n(target + i, __atomic_load_n(source + i, __ATOMIC_RELAXED), __ATOMIC_RELAXED);
+    std::memcpy(reinterpret_cast<char*>(&to) + fieldBytes, reinterpret_cast<const char*>(&from) + fieldBytes,
+                sizeof(Record) - fieldBytes);
+}
 
 } // namespace zarno

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <utility>
 
 namespace zarno {
 namespace {
@@ -230,13 +231,32 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 void ZInstrument::clear() {
     groupsRequested_.store(false, std::memory_order_relaxed);
     const StreamServer::Pause noReads(streams_);
+    InstrumentContents former;
+    takeOut(former);
+}
+
+// Groups and texts go to `former`.
+void ZInstrument::takeOut(InstrumentContents& former) {
     pool_.stopAll();
     deactivateAllGroups();
     queue_.clear();
     dispatcher_.liftPedal();
-    groups_.clear();
-    texts_ = {};
+    former.groups = std::exchange(groups_, {});
+    former.texts = std::exchange(texts_, {});
     playingVoices_.store(0, std::memory_order_relaxed);
+}
+
+void ZInstrument::exchange(InstrumentContents& contents) {
+    const StreamServer::Pause noReads(streams_);
+    InstrumentContents former;
+    takeOut(former);
+    copySettings(former.settings, settings_);
+    copySettings(settings_, contents.settings);
+    std::swap(former, contents);
+    rebuildPool();
+    texts_ = std::move(former.texts);
+    groups_ = std::move(former.groups);
+    dispatcher_.activeGroups().reserve();
 }
 
 void ZInstrument::rebuildPool() {

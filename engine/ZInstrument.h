@@ -5,7 +5,7 @@
 #include "data/stream/StreamServer.h"
 #include "engine/EventDispatcher.h"
 #include "engine/EventQueue.h"
-#include "engine/InstrumentTexts.h"
+#include "engine/InstrumentContents.h"
 #include "engine/VoiceRenderer.h"
 #include "engine/ZReverb.h"
 #include "engine/ZSEDelegate.h"
@@ -85,7 +85,13 @@ class ZInstrument final : private ZSEThreadClient {
     // [any] Values derived from the group's record are computed anew before they are used next.
     void prepareZones(ZGroup& group) { group.touch(); }
 
-    // [loading] Filling, in this order: clear, write settings() and texts(), rebuildPool, createGroup...
+    // [loading] Takes over what a loader has read: settings, texts, groups, and a pool as the settings want
+    // it. No group is active. What the instrument held is left in `contents`, for the caller to let go of
+    // where that may take its time. Throws std::bad_alloc, and is empty then.
+    void exchange(InstrumentContents& contents);
+
+    // [loading] Filling by hand, in this order: clear, write settings() and texts(), rebuildPool,
+    // createGroup...
     void clear();
     void rebuildPool();
     ZGroup& createGroup(std::string name);
@@ -122,6 +128,7 @@ class ZInstrument final : private ZSEThreadClient {
 
   private:
     void serviceStreams() override { streams_.serve(); }
+    void takeOut(InstrumentContents& former);
     void takeRequests();
     void activateRequestedGroups();
     void applySampleRate();

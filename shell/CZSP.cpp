@@ -67,7 +67,8 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     postEvents(midi);
     midi.clear();
-    auto** channels = const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
+    auto** channels =
+        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
     engine_.renderBlock(channels, audio.getNumChannels(), audio.getNumSamples());
 }
 
@@ -179,7 +180,7 @@ void CZSP::applyPendingState() {
     if (state.settings) takeRestoredFields(engine_.settings(), *state.settings);
     engine_.requestApplySettings();
     for (std::size_t i = 0; i < state.groups.size(); ++i) {
-        takeGroupRecord(engine_.groups()[i]->record, state.groups[i]);
+        copyGroup(engine_.groups()[i]->record, state.groups[i]);
         engine_.prepareZones(*engine_.groups()[i]);
     }
     if (state.currentGroup) makeOnlyActiveGroup(*state.currentGroup);

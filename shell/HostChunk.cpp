@@ -29,26 +29,6 @@ std::int32_t readInt(std::span<const std::uint8_t> bytes, std::size_t offset) {
     return value;
 }
 
-// Copies fields of four bytes that another thread may be writing or reading: each is an old or a new value.
-// The fields are integers and floats alike, so they are looked at as words of no type.
-void copyFields(void* destination, const void* source, std::size_t bytes) {
-    using Word [[gnu::may_alias]] = std::uint32_t;
-    auto* to = static_cast<Word*>(destination);
-    const auto* from = static_cast<const Word*>(source);
-    for (std::size_t i = 0; i < bytes / sizeof(Word); ++i)
-        __atomic_store_n(to + i, __atomic_load_n(from + i, __ATOMIC_RELAXED), __ATOMIC_RELAXED);
-}
-
-// A record whose first `live` bytes are such fields.
-template <typename Record>
-void appendRecord(std::vector<std::uint8_t>& bytes, const Record& record, std::size_t live) {
-    const auto* raw = reinterpret_cast<const std::uint8_t*>(&record);
-    alignas(4) std::uint8_t copy[sizeof(Record)];
-    copyFields(copy, raw, live);
-    std::memcpy(copy + live, raw + live, sizeof(Record) - live);
-    bytes.insert(bytes.end(), copy, copy + sizeof copy);
-}
-
 } // namespace
 
 std::vector<std::uint8_t> encodeChunkPath(std::string_view path) {
@@ -66,11 +46,16 @@ std::vector<std::uint8_t> encodeChunk(std::string_view path, const InstrumentSet
                                       const std::vector<std::unique_ptr<ZGroup>>& groups) {
     auto bytes = encodeChunkPath(path);
     bytes.reserve(bytes.size() + groupsAt + groups.size() * sizeof(GroupRecord));
-    appendRecord(bytes, settings, offsetof(InstrumentSettings, unread));
+    InstrumentSettings saved;
+    copySettings(saved, settings);
+    append(bytes, saved);
     append(bytes, static_cast<std::int32_t>(groups.size()));
     append(bytes, currentGroup);
-    for (const auto& group : groups)
-        appendRecord(bytes, group->record, offsetof(GroupRecord, unread));
+    for (const auto& group : groups) {
+        GroupRecord record;
+        copyGroup(record, group->record);
+        append(bytes, record);
+    }
     return bytes;
 }
 
@@ -99,14 +84,11 @@ ChunkState decodeTail(std::span<const std::uint8_t> tail, std::size_t groupCount
 }
 
 void takeRestoredFields(InstrumentSettings& live, const InstrumentSettings& saved) {
-    copyFields(reinterpret_cast<char*>(&live) + restoredBegin,
-               reinterpret_cast<const char*>(&saved) + restoredBegin, restoredEnd - restoredBegin);
-}
-
-void takeGroupRecord(GroupRecord& live, const GroupRecord& saved) {
-    constexpr std::size_t fields = offsetof(GroupRecord, unread);
-    copyFields(&live, &saved, fields);
-    std::memcpy(live.unread, saved.unread, sizeof live.unread);
+    InstrumentSettings wanted;
+    copySettings(wanted, live);
+    std::memcpy(reinterpret_cast<char*>(&wanted) + restoredBegin,
+                reinterpret_cast<const char*>(&saved) + restoredBegin, restoredEnd - restoredBegin);
+    copySettings(live, wanted);
 }
 
 } // namespace zarno

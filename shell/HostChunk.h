@@ -59,7 +59,5 @@ ChunkState decodeTail(std::span<const std::uint8_t> tail, std::size_t groupCount
 
 /// Copies the restored fields alone.
 void takeRestoredFields(InstrumentSettings& live, const InstrumentSettings& saved);
-/// Copies a whole record, fields one by one: they may be read meanwhile.
-void takeGroupRecord(GroupRecord& live, const GroupRecord& saved);
 
 } // namespace zarno

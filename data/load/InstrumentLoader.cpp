@@ -6,6 +6,7 @@
 #include "data/load/LicenceCheck.h"
 #include "data/load/SamplePath.h"
 #include "data/load/ZoneBuilder.h"
+#include "engine/InstrumentContents.h"
 #include "engine/ZInstrument.h"
 #include "platform/File.h"
 #include "platform/Paths.h"
@@ -37,16 +38,17 @@ class BusyMark {
 // One load. The steps are called in the order in which they stand.
 class Load {
   public:
-    Load(ZInstrument& instrument, const std::string& path, LoadResult& result)
-        : instrument_(instrument)
+    Load(InstrumentContents& target, const std::string& path, const LoadOptions& options, LoadResult& result)
+        : target_(target)
         , path_(path)
         , instrumentPath_(toBackslashForm(path))
+        , options_(options)
         , result_(result) {}
 
     bool readFile();
     void fillHeader();
+    bool isAllowed();
     bool makeGroups();
-    void finish();
 
   private:
     bool fail(const char* reason);
@@ -54,17 +56,22 @@ class Load {
     std::unique_ptr<ZZone> openZone(const std::string& sampleName, const std::string& samplePath,
                                     const ZoneEntry& entry);
     std::unique_ptr<ZZone> locateElsewhere(const std::string& samplePath);
-    bool progress(const GroupEntry& group, const std::string& sample, std::size_t zoneIndex,
-                  std::size_t groupIndex);
+    float fractionDone(const GroupEntry& group, std::size_t zoneIndex, std::size_t groupIndex) const;
+    bool report() const;
 
-    ZInstrument& instrument_;
+    InstrumentContents& target_;
     const std::string& path_;
     const std::string instrumentPath_; // in backslash form
+    const LoadOptions& options_;
     LoadResult& result_;
     std::shared_ptr<const File> file_;
     InstrumentFile contents_;
-    ZoneBuilder builder_{instrument_.settings()};
+    ZoneBuilder builder_{target_.settings, [this] { return report(); }};
     int failedSearches_ = 0;
+
+    // What progress says at the moment.
+    float fraction_ = 0.0f;
+    std::string groupName_, sampleName_;
 };
 
 bool Load::fail(const char* reason) {
@@ -75,7 +82,8 @@ bool Load::fail(const char* reason) {
 bool Load::readFile() {
     file_ = std::make_shared<const File>(path_);
     if (!file_->isOpen()) return fail(describe(InstrumentFile::Refusal::CannotOpen));
-    instrument_.clear();
+    result_.opened = true;
+    if (options_.opened) options_.opened();
     Bytes bytes(*file_);
     const InstrumentFile::Refusal refusal = contents_.parse(bytes);
     if (!contents_.isEmbedded()) file_.reset();
@@ -83,7 +91,7 @@ bool Load::readFile() {
 }
 
 void Load::fillHeader() {
-    InstrumentTexts& texts = instrument_.texts();
+    InstrumentTexts& texts = target_.texts;
     texts.path = path_;
     texts.name = contents_.name.text();
     texts.title = contents_.title.text();
@@ -97,23 +105,30 @@ void Load::fillHeader() {
         texts.incompleteAt = contents_.incomplete->offset;
     }
 
-    InstrumentSettings& settings = instrument_.settings();
+    InstrumentSettings& settings = target_.settings;
     settings = contents_.settings;
     settings.streamBufferFrames = settings.streamBufferFramesStored.load();
     settings.sixteenBit = settings.sixteenBitStored.load();
     settings.streaming = settings.streamingStored.load();
     settings.polyphony = settings.polyphonyStored.load();
-    instrument_.rebuildPool();
+}
+
+bool Load::isAllowed() {
+    AllowEverything everything;
+    LicenceCheck& check = options_.licence ? *options_.licence : everything;
+    return check.allows(target_.texts.licences, options_.enteredText, options_.delegate) ||
+           fail("the licence does not allow it");
 }
 
 bool Load::makeGroups() {
     for (std::size_t g = 0; g < contents_.groups.size(); ++g) {
         const GroupEntry& entry = contents_.groups[g];
-        ZGroup& group = instrument_.createGroup(std::string(entry.name.text()));
+        groupName_ = entry.name.text();
+        ZGroup& group = *target_.groups.emplace_back(std::make_unique<ZGroup>(groupName_));
         group.record = entry.record;
         for (std::size_t z = 0; z < entry.zones.size(); ++z)
             if (!makeZone(group, entry, z, g)) return fail("the load was cancelled");
-        instrument_.prepareZones(group);
+        group.touch();
     }
     return true;
 }
@@ -121,18 +136,21 @@ bool Load::makeGroups() {
 // False when the user cancels.
 bool Load::makeZone(ZGroup& group, const GroupEntry& entry, std::size_t zoneIndex, std::size_t groupIndex) {
     const ZoneEntry& stored = entry.zones[zoneIndex];
-    const std::string sampleName(stored.sample.text());
-    const std::string samplePath = fromBackslashForm(resolveSamplePath(sampleName, instrumentPath_));
-    auto zone = openZone(sampleName, samplePath, stored);
-    if (!progress(entry, sampleName, zoneIndex, groupIndex)) return false;
+    sampleName_ = stored.sample.text();
+    const std::string samplePath = fromBackslashForm(resolveSamplePath(sampleName_, instrumentPath_));
+    auto zone = openZone(sampleName_, samplePath, stored);
+    fraction_ = fractionDone(entry, zoneIndex, groupIndex);
+    if (!report() || builder_.wasStopped()) return false;
 
     const bool elsewhere = !zone->valid;
     if (elsewhere) zone = locateElsewhere(samplePath);
+    if (builder_.wasStopped()) return false;
     if (!zone) return true;
     zone->record = stored.record;
     // On purpose a sample found elsewhere keeps its points: it may be a shorter stand-in.
     if (!elsewhere) clampPoints(zone->record, zone->lengthInFrames);
     builder_.recordChanged(*zone);
+    if (builder_.wasStopped()) return false;
     group.addZone(std::move(zone));
     return true;
 }
@@ -145,57 +163,70 @@ std::unique_ptr<ZZone> Load::openZone(const std::string& sampleName, const std::
 
 // Asks for a replacement. Searches that find nothing are counted, and after a few the user is left in peace.
 std::unique_ptr<ZZone> Load::locateElsewhere(const std::string& samplePath) {
-    ZSEDelegate* delegate = instrument_.delegate();
-    if (delegate && failedSearches_ < failedSearchLimit) {
+    bool isThere = isRegularFile(samplePath);
+    if (options_.delegate && failedSearches_ < failedSearchLimit) {
         char reply[ZSEDelegate::replyBytes] = {};
-        delegate->reportMessage(samplePath.c_str(), reply);
+        options_.delegate->reportMessage(samplePath.c_str(), reply);
         reply[sizeof reply - 1] = 0;
         if (reply[0] != 0) {
             auto zone = builder_.fromWaveFile(reply);
             if (zone->valid) return zone;
+            isThere = isThere || isRegularFile(reply);
         }
         ++failedSearches_;
     }
-    result_.missing.push_back(samplePath);
+    (isThere ? result_.unsupported : result_.missing).push_back(samplePath);
     return nullptr;
 }
 
-bool Load::progress(const GroupEntry& group, const std::string& sample, std::size_t zoneIndex,
-                    std::size_t groupIndex) {
-    ZSEDelegate* delegate = instrument_.delegate();
-    if (!delegate) return true;
+float Load::fractionDone(const GroupEntry& group, std::size_t zoneIndex, std::size_t groupIndex) const {
     const auto groups = static_cast<float>(contents_.groupCount);
     const float inGroup = static_cast<float>(zoneIndex) / static_cast<float>(group.zoneCount);
-    const float fraction = inGroup / groups + static_cast<float>(groupIndex) / groups;
-    return delegate->loadProgress(fraction, std::string(group.name.text()).c_str(), sample.c_str());
+    return inGroup / groups + static_cast<float>(groupIndex) / groups;
 }
 
-void Load::finish() {
-    if (!instrument_.groups().empty()) instrument_.activateGroup(instrument_.groups().front().get());
-    instrument_.applySettings();
-    if (instrument_.delegate()) instrument_.delegate()->settingsChanged();
+// False when the load is to end.
+bool Load::report() const {
+    ZSEDelegate* delegate = options_.delegate;
+    return !delegate || delegate->loadProgress(fraction_, groupName_.c_str(), sampleName_.c_str());
 }
 
 } // namespace
 
-LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, const std::string& enteredText,
-                          LicenceCheck& licence) {
+LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options) {
     LoadResult result;
     try {
-        const BusyMark busy(instrument);
-        Load load(instrument, path, result);
+        Load load(contents, path, options, result);
         if (!load.readFile()) return result;
         load.fillHeader();
-        if (!licence.allows(instrument.texts().licences, enteredText, instrument.delegate())) {
-            result.reason = "the licence does not allow it";
-            return result;
-        }
-        if (!load.makeGroups()) return result;
-        load.finish();
-        result.loaded = true;
+        result.loaded = load.isAllowed() && load.makeGroups();
     } catch (const std::bad_alloc&) {
         result.reason = "there is not enough memory";
     }
+    return result;
+}
+
+bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result) {
+    try {
+        instrument.exchange(contents);
+    } catch (const std::bad_alloc&) {
+        result.loaded = false;
+        result.reason = "there is not enough memory";
+    }
+    if (!result.loaded) return false;
+    if (!instrument.groups().empty()) instrument.activateGroup(instrument.groups().front().get());
+    instrument.applySettings();
+    if (instrument.delegate()) instrument.delegate()->settingsChanged();
+    return true;
+}
+
+LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, const std::string& enteredText,
+                          LicenceCheck& licence) {
+    const BusyMark busy(instrument);
+    InstrumentContents contents;
+    LoadOptions options{enteredText, &licence, instrument.delegate(), [&] { instrument.clear(); }};
+    LoadResult result = readInstrument(contents, path, options);
+    if (result.opened) takeOver(instrument, contents, result);
     return result;
 }
 

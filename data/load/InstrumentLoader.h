@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -8,22 +9,44 @@ namespace zarno {
 
 class LicenceCheck;
 class ZInstrument;
+class ZSEDelegate;
+struct InstrumentContents;
 
 /// How a load ended. What the user is told about it is the caller's business.
 struct LoadResult {
     bool loaded = false;
-    std::string reason;               ///< why not, for people; empty when loaded
-    std::vector<std::string> missing; ///< paths of samples that were not found; their zones are left out
+    bool opened = false;                  ///< the file could be opened: what was loaded before has to go
+    std::string reason;                   ///< why not loaded, for people; empty when it was
+    std::vector<std::string> missing;     ///< paths of samples that were not found; their zones are left out
+    std::vector<std::string> unsupported; ///< the same for samples that are there but cannot be read
 
     explicit operator bool() const { return loaded; }
 };
 
-/// Fills `instrument` from the file at `path` (native form, UTF-8). A file that cannot be opened leaves the
-/// instrument untouched; one that is refused leaves it cleared; a load that is cancelled through the delegate
-/// or runs out of memory leaves it with what was read so far. A file that ends early is loaded as far as it
-/// goes and marked in the instrument's texts. `enteredText` is the licence text that the user entered.
+/// What a load is to do besides reading; all may be left out.
+struct LoadOptions {
+    std::string enteredText;         ///< the licence text that the user entered
+    LicenceCheck* licence = nullptr; ///< none: every licence is allowed
+    ZSEDelegate* delegate = nullptr; ///< hears of progress, may cancel, is asked for missing samples
+    std::function<void()> opened;    ///< called once the file is open, before anything else is read
+};
+
+/// Reads the instrument file at `path` (native form, UTF-8) into `contents`, which is to be fresh. A file
+/// that ends early is read as far as it goes and marked in the texts. A load that fails, is cancelled or runs
+/// out of memory leaves what was read so far. The delegate is asked between samples and between the chunks of
+/// a large one whether to go on. Touches nothing but its arguments. Never throws.
+LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options);
+
+/// Hands what was read to `instrument`, as far as it goes; of a load that succeeded the first group is made
+/// active. What the instrument held before is in `contents` afterwards. Corrects `result`, and returns
+/// whether the instrument is loaded. While the caller keeps the audio thread out of the instrument.
+bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result);
+
+/// Fills `instrument` likewise, with its delegate. A file that cannot be opened leaves the instrument
+/// untouched; one that is refused leaves it cleared, but for what was read. `enteredText` is the licence text
+/// that the user entered.
 ///
-/// Never throws. Loading thread, while the caller keeps the audio thread out of the instrument.
+/// Loading thread, while the caller keeps the audio thread out of the instrument.
 LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, const std::string& enteredText,
                           LicenceCheck& licence);
 /// The same with every licence allowed.

@@ -13,31 +13,19 @@
 namespace zarno {
 namespace {
 
-constexpr float newZoneRelease = 100.0f; // ms
-constexpr std::uint64_t chunkFrames = 16384;
+constexpr float newZoneRelease = 100.0f;    // ms
+constexpr std::uint64_t floatChunk = 16384; // frames read at a time: what stays in the cache
+constexpr std::uint64_t shortChunk = 262144;
 constexpr std::uint64_t grantedFrames = 65536;
 
-void readFloats(ZSoundFile& sound, SampleMemory& memory) {
-    const auto channels = static_cast<std::uint64_t>(memory.channels());
-    for (std::uint64_t done = 0; done < memory.frames();) {
-        float* chunk = memory.floats() + done * channels;
-        const std::uint64_t got = sound.readFloat(chunk, std::min(chunkFrames, memory.frames() - done));
-        if (got == 0) return;
-        convert::silenceNonFinite(chunk,
-                                  static_cast<std::size_t>(got * channels)); // while it is in the cache
-        done += got;
-    }
-}
-
-std::shared_ptr<SampleMemory> readWhole(ZSoundFile& sound, bool sixteenBit) {
-    auto memory = std::make_shared<SampleMemory>();
-    if (!memory->allocate(sound.lengthInFrames(), sound.channelCount(), sixteenBit)) throw std::bad_alloc();
-    sound.seekFrame(0);
-    if (sixteenBit)
-        sound.readShort(memory->shorts(), memory->frames());
-    else
-        readFloats(sound, *memory);
-    return memory;
+std::uint64_t readChunk(ZSoundFile& sound, SampleMemory& memory, std::uint64_t from) {
+    const std::uint64_t offset = from * static_cast<std::uint64_t>(memory.channels());
+    const std::uint64_t left = memory.frames() - from;
+    if (memory.isSixteenBit()) return sound.readShort(memory.shorts() + offset, std::min(shortChunk, left));
+    const std::uint64_t got = sound.readFloat(memory.floats() + offset, std::min(floatChunk, left));
+    convert::silenceNonFinite(memory.floats() + offset,
+                              static_cast<std::size_t>(got) * static_cast<std::size_t>(memory.channels()));
+    return got;
 }
 
 // All that decides what a preload holds.
@@ -118,8 +106,26 @@ void ZoneBuilder::fillMemory(ZZone& zone, const std::string& memoryKey) {
     auto& known = shared_[memoryKey];
     zone.memory = known.lock();
     if (zone.memory && fits(*zone.memory, *zone.sound)) return;
-    zone.memory = readWhole(*zone.sound, settings_.sixteenBit != 0);
+    zone.memory = readWhole(*zone.sound);
     known = zone.memory;
+}
+
+std::shared_ptr<SampleMemory> ZoneBuilder::readWhole(ZSoundFile& sound) {
+    auto memory = std::make_shared<SampleMemory>();
+    const bool sixteenBit = settings_.sixteenBit != 0;
+    if (!memory->allocate(sound.lengthInFrames(), sound.channelCount(), sixteenBit)) throw std::bad_alloc();
+    sound.seekFrame(0);
+    for (std::uint64_t done = 0; done < memory->frames();) {
+        const std::uint64_t got = readChunk(sound, *memory, done);
+        done += got;
+        if (got == 0 || (done < memory->frames() && !askToGoOn())) break;
+    }
+    return memory;
+}
+
+bool ZoneBuilder::askToGoOn() {
+    stopped_ = stopped_ || (goOn_ && !goOn_());
+    return !stopped_;
 }
 
 void ZoneBuilder::recordChanged(ZZone& zone) {
@@ -127,7 +133,7 @@ void ZoneBuilder::recordChanged(ZZone& zone) {
     auto& known = shared_[preloadKey(zone)];
     zone.memory = known.lock();
     if (!zone.memory) {
-        zone.memory = readPreload(zone, settings_.sixteenBit != 0);
+        zone.memory = readPreload(zone, settings_.sixteenBit != 0, [this] { return askToGoOn(); });
         if (zone.memory) countPreload(zone);
         known = zone.memory;
     }

@@ -5,6 +5,7 @@
 #include "engine/Records.h"
 #include "engine/ZZone.h"
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -17,8 +18,13 @@ namespace zarno {
 /// fit into memory. Loading thread.
 class ZoneBuilder {
   public:
-    explicit ZoneBuilder(const InstrumentSettings& settings)
-        : settings_(settings) {}
+    /// `goOn` is asked between the chunks of large samples; after a false the zone in hand is of no use, and
+    /// wasStopped says so.
+    explicit ZoneBuilder(const InstrumentSettings& settings, std::function<bool()> goOn = {})
+        : settings_(settings)
+        , goOn_(std::move(goOn)) {}
+
+    bool wasStopped() const { return stopped_; }
 
     /// Both give a zone whose record holds what the sound file says; one that is not valid when the sound
     /// could not be opened. A streaming zone has no frames, and its wave file stays open, until
@@ -35,8 +41,12 @@ class ZoneBuilder {
     std::unique_ptr<ZZone> build(std::unique_ptr<ZSoundFile> sound, const std::string& memoryKey);
     void fillMemory(ZZone& zone, const std::string& memoryKey);
     void countPreload(const ZZone& zone);
+    std::shared_ptr<SampleMemory> readWhole(ZSoundFile& sound);
+    bool askToGoOn();
 
     const InstrumentSettings& settings_;
+    const std::function<bool()> goOn_;
+    bool stopped_ = false;
     std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
     std::uint64_t preloadBytes_ = 0, preloadAllowance_ = 256u << 20;
 };

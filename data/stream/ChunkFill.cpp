@@ -115,7 +115,7 @@ void writeSeamBehind(const ChunkTarget& target) {
         std::memcpy(last + guard * frameBytes, last, frameBytes);
 }
 
-std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit) {
+std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit, const std::function<bool()>& goOn) {
     const StreamPoints points(zone.record, zone.lengthInFrames);
     const auto chunk = static_cast<std::uint64_t>(zone.chunkFrames);
     // Behind a sample that ends within its first chunk there is only silence, which reads the same without
@@ -127,7 +127,7 @@ std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit) {
 
     ChunkTarget target{memory->shorts(), frames, memory->channels(), sixteenBit};
     if (!sixteenBit) target.frame0 = memory->floats();
-    if (fillChunk(zone, points.start, target, [](std::size_t) { return true; }) != ChunkResult::Filled)
+    if (fillChunk(zone, points.start, target, [&](std::size_t) { return goOn(); }) != ChunkResult::Filled)
         return nullptr;
     writeSeamBefore(target);
     if (frames == chunk) writeSeamBehind(target);

@@ -40,7 +40,9 @@ void writeSeamBefore(const ChunkTarget& target);
 void writeSeamBehind(const ChunkTarget& target);
 
 /// Reads the frames that a streaming zone keeps in memory: the first chunk from its start frame on, or what
-/// there is of it. Null when the sound file does not open. Throws std::bad_alloc.
-std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit);
+/// there is of it. Null when the sound file does not open or `goOn`, asked after each read, says no. Throws
+/// std::bad_alloc.
+std::shared_ptr<SampleMemory> readPreload(
+    ZZone& zone, bool sixteenBit, const std::function<bool()>& goOn = [] { return true; });
 
 } // namespace zarno

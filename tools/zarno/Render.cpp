@@ -84,6 +84,8 @@ void load(ZInstrument& instrument, const std::string& path) {
     if (!result) throw std::runtime_error(path + ": " + result.reason);
     for (const std::string& missing : result.missing)
         std::fprintf(stderr, "missing sample: %s\n", missing.c_str());
+    for (const std::string& unsupported : result.unsupported)
+        std::fprintf(stderr, "sample of unknown format: %s\n", unsupported.c_str());
     const InstrumentTexts& texts = instrument.texts();
     if (!texts.incompleteReason.empty())
         std::fprintf(stderr, "%s: incomplete at byte %llu: %s\n", path.c_str(),
