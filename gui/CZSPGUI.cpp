@@ -1,0 +1,350 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "gui/CZSPGUI.h"
+
+#include "engine/ZInstrument.h"
+#include "gui/CPlayerKeyboard.h"
+#include "gui/PanelEdits.h"
+#include "gui/Theme.h"
+#include "gui/WindowMenus.h"
+#include "platform/Utf8.h"
+#include "shell/KeyboardRoute.h"
+
+namespace zarno {
+namespace {
+
+constexpr int refreshHz = 30;
+constexpr const char* zoomKey = "zoom";
+constexpr const char* lastFileKey = "load instrument";
+
+juce::String fromEngine(const std::string& text) {
+    return juce::String::fromUTF8(toUtf8(text).c_str());
+}
+
+juce::File fileOf(const juce::String& path) {
+    return juce::File::isAbsolutePath(path) ? juce::File(path) : juce::File();
+}
+
+bool isInstrumentFile(const juce::String& path) {
+    return path.endsWithIgnoreCase(".zse") || path.endsWithIgnoreCase(".zs2");
+}
+
+} // namespace
+
+CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
+    : AudioProcessorEditor(processor)
+    , link_(link)
+    , panel_({this, this, this}, &link.keyboardRoute(),
+             [this](const juce::String& caption, const juce::String& text) { showMessage(caption, text); })
+    , list_(link.instrumentList(), [this] { return link_.instrumentTitles(); }) {
+    setSize(600, 250);
+    setWantsKeyboardFocus(true);
+    addAndMakeVisible(content_);
+    content_.addAndMakeVisible(panel_);
+    content_.addAndMakeVisible(bar_);
+    content_.addChildComponent(list_);
+    content_.addChildComponent(overlay_);
+    list_.onPick = [this](int row) { link_.selectInstrument(row, {}); };
+    list_.onClose = [this] { list_.setVisible(false); };
+    connectBar();
+    zoomPercent_ = zoomFromSetting(link_.setting(zoomKey));
+    link_.keyboardRoute().publish(&panel_.keyboardState());
+    link_.setWindow(this);
+    rebuildPlayer();
+    startTimerHz(refreshHz);
+}
+
+// Notes go while the route still leads to the engine; then the route, then the state it led through.
+CZSPGUI::~CZSPGUI() {
+    stopTimer();
+    link_.setWindow(nullptr);
+    for (auto* keyboard : panel_.controls().keyboards)
+        keyboard->releaseKeys();
+    link_.keyboardRoute().publish(nullptr);
+}
+
+void CZSPGUI::connectBar() {
+    bar_.onLoad = [this](auto&) { openInstrumentFile(); };
+    bar_.onInstrumentMenu = [this](auto& source) { showInstrumentMenu(source); };
+    bar_.onGroupMenu = [this](auto& source) { showGroupMenu(source); };
+    bar_.onList = [this](auto&) { openInstrumentList(); };
+    bar_.onMissing = [this](auto& source) { showMissingMenu(source); };
+    bar_.onTryAgain = [this](auto&) { link_.tryAgain(); };
+    bar_.onZoom = [this](auto& source) { showZoomMenu(source); };
+}
+
+void CZSPGUI::fitToPanel() {
+    const int width = std::max(panel_.getWidth(), StatusBar::minWidth);
+    panel_.setTopLeftPosition((width - panel_.getWidth()) / 2, 0);
+    bar_.setBounds(0, panel_.getHeight(), width, StatusBar::height);
+    const juce::Rectangle<int> whole(0, 0, width, panel_.getHeight() + StatusBar::height);
+    list_.setBounds(whole.withTrimmedBottom(StatusBar::height));
+    overlay_.setBounds(whole);
+    const float scale = static_cast<float>(zoomPercent_) / 100.0f;
+    content_.setBounds(whole);
+    content_.setTransform(juce::AffineTransform::scale(scale));
+    setSize(juce::roundToInt(static_cast<float>(whole.getWidth()) * scale),
+            juce::roundToInt(static_cast<float>(whole.getHeight()) * scale));
+}
+
+void CZSPGUI::setZoom(int percent) {
+    zoomPercent_ = zoomFromSetting(juce::String(percent));
+    link_.setSetting(zoomKey, juce::String(zoomPercent_));
+    fitToPanel();
+    refreshBar();
+}
+
+void CZSPGUI::paint(juce::Graphics& g) {
+    g.fillAll(juce::Colour(theme::body));
+}
+
+void CZSPGUI::rebuildPlayer() {
+    std::string layout = defaultLayout;
+    std::vector<std::uint8_t> image;
+    refreshContents();
+    {
+        // During a load the built-in panel stands below the overlay; loadingFinished brings the real one.
+        const juce::ScopedTryLock contents(link_.contentsLock());
+        if (contents.isLocked()) {
+            const auto& texts = link_.engine().texts();
+            if (!texts.layout.empty()) layout = texts.layout;
+            image = texts.panelImage;
+        }
+    }
+    panel_.rebuild(layout, image);
+    refresh_.forget();
+    fitToPanel();
+    refreshAll();
+}
+
+void CZSPGUI::loadingStarted() {
+    list_.setVisible(false);
+    overlay_.setVisible(true);
+    overlay_.toFront(false);
+    refreshOverlay();
+}
+
+void CZSPGUI::loadingFinished() {
+    rebuildPlayer();
+}
+
+void CZSPGUI::refresh() {
+    if (link_.groupsGeneration() != groupsSeen_) {
+        refreshAll();
+        return;
+    }
+    refreshControls();
+    refreshBar();
+    refreshOverlay();
+}
+
+void CZSPGUI::refreshAll() {
+    refreshContents();
+    refreshLabels();
+    refreshControls();
+    refreshKeyboards();
+    refreshBar();
+    refreshOverlay();
+}
+
+// What the window keeps of the instrument: names, selection, the keys' roles.
+void CZSPGUI::refreshContents() {
+    const juce::ScopedTryLock contents(link_.contentsLock());
+    if (!contents.isLocked()) return;
+    groupsSeen_ = link_.groupsGeneration();
+    const ZInstrument& engine = link_.engine();
+    instrumentName_ = engine.texts().path.empty() ? juce::String() : fromEngine(engine.texts().name);
+    selection_.follow(engine, link_.loadGeneration());
+    roles_ = keyRolesOf(engine);
+    groupNames_.clearQuick();
+    juce::StringArray active;
+    for (const auto& group : engine.groups()) {
+        groupNames_.add(fromEngine(group->name));
+        if (group->active) active.add(groupNames_[groupNames_.size() - 1]);
+    }
+    activeGroupNames_ = active.joinIntoString(", ");
+    missingText_ = missingText(link_.missingSamples());
+    refresh_.forget();
+}
+
+juce::String CZSPGUI::titleText() const {
+    if (instrumentName_.isNotEmpty()) return instrumentName_;
+    return link_.instrumentTitles().isEmpty() ? "Cannot find any instruments." : "No instrument loaded";
+}
+
+void CZSPGUI::refreshLabels() {
+    for (auto* label : panel_.controls().labels) {
+        const int id = PanelBuilder::idOf(*label);
+        if (id == 1) label->setText(titleText(), juce::dontSendNotification);
+        if (id == 2) label->setText(activeGroupNames_, juce::dontSendNotification);
+    }
+}
+
+void CZSPGUI::refreshControls() {
+    const juce::ScopedTryLock contents(link_.contentsLock());
+    if (!contents.isLocked()) return;
+    const PanelEdits engine(link_.engine(), selection_.indices(link_.loadGeneration()));
+    refresh_.refresh(panel_.controls(), engine);
+}
+
+void CZSPGUI::refreshKeyboards() {
+    for (auto* keyboard : panel_.controls().keyboards)
+        keyboard->setRoles(roles_);
+}
+
+void CZSPGUI::refreshBar() {
+    const ZInstrument& engine = link_.engine();
+    StatusBar::State state;
+    state.voices = engine.playingVoices();
+    state.isStreaming = engine.settings().streaming != 0;
+    state.zoomPercent = zoomPercent_;
+    if (!link_.isLoading()) {
+        state.missing = missingText_;
+        state.hasFailed = !link_.lastLoadSucceeded();
+    }
+    bar_.show(state);
+}
+
+void CZSPGUI::refreshOverlay() {
+    overlay_.setProgress(link_.loadProgress());
+    overlay_.setVisible(link_.isLoading());
+}
+
+// Runs a change of the engine while its contents stay in place; during a load nothing happens.
+template <typename Edit>
+void CZSPGUI::edit(Edit&& change) {
+    const juce::ScopedTryLock contents(link_.contentsLock());
+    if (!contents.isLocked()) return;
+    PanelEdits edits(link_.engine(), selection_.indices(link_.loadGeneration()));
+    change(edits);
+}
+
+void CZSPGUI::sliderValueChanged(juce::Slider* slider) {
+    const int id = PanelBuilder::idOf(*slider);
+    edit([&](PanelEdits& edits) { edits.knobMoved(id, slider->getValue()); });
+    if (!slider->isMouseButtonDown()) sliderDragEnded(slider); // by keyboard or wheel: a change of its own
+}
+
+void CZSPGUI::sliderDragEnded(juce::Slider* slider) {
+    const bool springsBack = PanelBuilder::idOf(*slider) == pitchBendKnobId;
+    if (springsBack && slider->getValue() != 0.5) slider->setValue(0.5, juce::sendNotificationSync);
+    if (!springsBack) link_.editEnded();
+}
+
+void CZSPGUI::comboBoxChanged(juce::ComboBox* combo) {
+    edit([&](PanelEdits& edits) {
+        edits.comboChosen(PanelBuilder::idOf(*combo), combo->getSelectedItemIndex());
+    });
+    link_.editEnded();
+}
+
+void CZSPGUI::buttonClicked(juce::Button* button) {
+    const ButtonBinding* binding = findButton(PanelBuilder::idOf(*button));
+    if (binding == nullptr) return;
+    switch (binding->action) {
+    case ButtonAction::InstrumentMenu:
+        return showInstrumentMenu(*button);
+    case ButtonAction::NextInstrument:
+        return stepInstrument(+1);
+    case ButtonAction::PreviousInstrument:
+        return stepInstrument(-1);
+    case ButtonAction::NextGroup:
+        return pickGroup(link_.engine().currentGroupIndex() + 1, false);
+    default:
+        break;
+    }
+    edit([&](PanelEdits& edits) { edits.buttonClicked(*binding, button->getToggleState()); });
+    if (binding->action == ButtonAction::ResetSettings) refreshAll();
+    if (binding->action != ButtonAction::StopVoices) link_.editEnded();
+}
+
+// Past either end of the library nothing happens.
+void CZSPGUI::stepInstrument(int direction) {
+    const int index = link_.currentIndex() + direction;
+    if (index >= 0 && index < link_.instrumentTitles().size()) link_.selectInstrument(index, {});
+}
+
+void CZSPGUI::pickGroup(int group, bool toggle) {
+    const juce::ScopedTryLock contents(link_.contentsLock());
+    if (!contents.isLocked() || group < 0 || group >= static_cast<int>(link_.engine().groups().size()))
+        return;
+    const auto generation = link_.loadGeneration();
+    selection_.pick(group, toggle, generation);
+    link_.engine().requestActiveGroups(selection_.indices(generation));
+    refresh_.forget();
+    refreshControls();
+    link_.editEnded();
+}
+
+void CZSPGUI::showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked) {
+    menu.showMenuAsync(juce::PopupMenu::Options().withTargetComponent(source).withDeletionCheck(*this),
+                       [safe = juce::Component::SafePointer(this), picked = std::move(picked)](int result) {
+                           if (safe != nullptr && result > 0) picked(result);
+                       });
+}
+
+void CZSPGUI::showInstrumentMenu(juce::Component& source) {
+    showMenu(makeInstrumentMenu(link_.instrumentTitles(), link_.currentIndex()), source,
+             [this](int id) { link_.selectInstrument(id - 1, {}); });
+}
+
+void CZSPGUI::showGroupMenu(juce::Component& source) {
+    const auto generation = link_.loadGeneration();
+    showMenu(makeGroupMenu(groupNames_, selection_.indices(generation)), source, [this, generation](int id) {
+        const auto keys = juce::ModifierKeys::getCurrentModifiers();
+        if (generation == link_.loadGeneration())
+            pickGroup(id - 1, keys.isCommandDown() || keys.isShiftDown());
+    });
+}
+
+void CZSPGUI::showMissingMenu(juce::Component& source) {
+    showMenu(makeMissingMenu(link_.missingSamples()), source, [this](int) {
+        dialogs_.chooseSampleFolder(fileOf(link_.setting("missing folder")),
+                                    [this](const juce::File& folder) { link_.locateMissingSamples(folder); });
+    });
+}
+
+juce::StringArray CZSPGUI::information() const {
+    juce::StringArray lines("Zarno Sampler Player " ZARNO_VERSION, link_.packTitle(), link_.vendorText());
+    lines.removeEmptyStrings();
+    return lines;
+}
+
+void CZSPGUI::showZoomMenu(juce::Component& source) {
+    showMenu(makeZoomMenu(zoomPercent_, information()), source, [this](int percent) { setZoom(percent); });
+}
+
+void CZSPGUI::openInstrumentFile() {
+    dialogs_.openInstrument(fileOf(link_.setting(lastFileKey)), [this](const juce::File& file) {
+        link_.selectInstrument(-1, file.getFullPathName());
+        link_.setSetting(lastFileKey, file.getFullPathName());
+    });
+}
+
+void CZSPGUI::openInstrumentList() {
+    if (list_.isVisible())
+        list_.setVisible(false);
+    else
+        list_.open(link_.currentIndex());
+}
+
+bool CZSPGUI::isInterestedInFileDrag(const juce::StringArray& files) {
+    return std::any_of(files.begin(), files.end(), isInstrumentFile);
+}
+
+void CZSPGUI::filesDropped(const juce::StringArray& files, int, int) {
+    const auto found = std::find_if(files.begin(), files.end(), isInstrumentFile);
+    if (found != files.end()) link_.selectInstrument(-1, *found);
+}
+
+// Computer keys play wherever the focus is in the window.
+bool CZSPGUI::keyStateChanged(bool isKeyDown) {
+    const auto& keyboards = panel_.controls().keyboards;
+    return !keyboards.empty() && !list_.isVisible() && keyboards.front()->keyStateChanged(isKeyDown);
+}
+
+// Never blocks: a host, or a test without a user, goes on.
+void CZSPGUI::showMessage(const juce::String& caption, const juce::String& text) {
+    juce::AlertWindow::showMessageBoxAsync(juce::MessageBoxIconType::WarningIcon, caption, text, "OK", this);
+}
+
+} // namespace zarno

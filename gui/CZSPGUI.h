@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "gui/CLoadingComponent.h"
+#include "gui/CPlayerGUI.h"
+#include "gui/ControlRefresh.h"
+#include "gui/FileDialogs.h"
+#include "gui/GroupSelection.h"
+#include "gui/InstrumentListPanel.h"
+#include "gui/KeyRoles.h"
+#include "gui/StatusBar.h"
+#include "shell/EditorLink.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+namespace zarno {
+
+class PanelEdits;
+
+// The window: the player panel with the bar below it, and over them the instrument list and the loading
+// overlay. Listens to every control of the panel and polls the engine, since nothing on the audio thread may
+// call a window. Message thread.
+class CZSPGUI final : public juce::AudioProcessorEditor,
+                      public juce::Slider::Listener,
+                      public juce::Button::Listener,
+                      public juce::ComboBox::Listener,
+                      public EditorWindow,
+                      public juce::FileDragAndDropTarget,
+                      private juce::Timer {
+  public:
+    CZSPGUI(juce::AudioProcessor& processor, EditorLink& link);
+    ~CZSPGUI() override;
+
+    // Everything anew from the instrument that the engine holds.
+    void rebuildPlayer();
+    // What the clock of the window does 30 times a second: shows what has changed in the engine.
+    void refresh();
+    CPlayerGUI& panel() { return panel_; }
+    StatusBar& statusBar() { return bar_; }
+    juce::Component& overlay() { return overlay_; }
+    InstrumentListPanel& instrumentList() { return list_; }
+
+    void setZoom(int percent);
+    int zoom() const { return zoomPercent_; }
+    void showInstrumentMenu(juce::Component& source);
+    void showGroupMenu(juce::Component& source);
+    void showMissingMenu(juce::Component& source);
+    void showZoomMenu(juce::Component& source);
+    void openInstrumentFile();
+    void openInstrumentList();
+
+    void loadingStarted() override;
+    void loadingFinished() override;
+
+    void sliderValueChanged(juce::Slider*) override;
+    void sliderDragEnded(juce::Slider*) override;
+    void buttonClicked(juce::Button*) override;
+    void comboBoxChanged(juce::ComboBox*) override;
+
+    bool isInterestedInFileDrag(const juce::StringArray& files) override;
+    void filesDropped(const juce::StringArray& files, int x, int y) override;
+
+    bool keyStateChanged(bool isKeyDown) override;
+    void paint(juce::Graphics&) override;
+
+  private:
+    void timerCallback() override { refresh(); }
+    void connectBar();
+    void fitToPanel();
+
+    void refreshAll();
+    void refreshContents();
+    void refreshLabels();
+    void refreshControls();
+    void refreshKeyboards();
+    void refreshBar();
+    void refreshOverlay();
+
+    template <typename Edit>
+    void edit(Edit&& change);
+    void stepInstrument(int direction);
+    void pickGroup(int group, bool toggle);
+    void showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked);
+    void showMessage(const juce::String& caption, const juce::String& text);
+    juce::String titleText() const;
+    juce::StringArray information() const;
+
+    EditorLink& link_;
+    juce::Component content_; // all below, scaled by the zoom
+    CPlayerGUI panel_;
+    StatusBar bar_;
+    InstrumentListPanel list_;
+    CLoadingComponent overlay_;
+    FileDialogs dialogs_;
+    juce::TooltipWindow tooltips_{this, 900};
+
+    GroupSelection selection_;
+    ControlRefresh refresh_;
+    KeyRoles roles_{};
+    juce::String instrumentName_; // empty when nothing is loaded
+    juce::String activeGroupNames_;
+    juce::StringArray groupNames_;
+    juce::String missingText_;
+    std::uint32_t groupsSeen_ = 0;
+    int zoomPercent_ = 100;
+};
+
+} // namespace zarno

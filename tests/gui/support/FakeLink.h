@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/ZInstrument.h"
+#include "shell/EditorLink.h"
+#include "shell/KeyboardRoute.h"
+
+#include <juce_audio_processors/juce_audio_processors.h>
+
+#include <map>
+
+namespace zarno {
+
+// A processor with nothing behind it, so that an editor can be made.
+struct SilentProcessor final : juce::AudioProcessor {
+    const juce::String getName() const override { return "Silent"; }
+    void prepareToPlay(double, int) override {}
+    void releaseResources() override {}
+    void processBlock(juce::AudioBuffer<float>&, juce::MidiBuffer&) override {}
+    using juce::AudioProcessor::processBlock;
+    double getTailLengthSeconds() const override { return 0.0; }
+    bool acceptsMidi() const override { return true; }
+    bool producesMidi() const override { return false; }
+    juce::AudioProcessorEditor* createEditor() override { return nullptr; }
+    bool hasEditor() const override { return true; }
+    int getNumPrograms() override { return 0; }
+    int getCurrentProgram() override { return 0; }
+    void setCurrentProgram(int) override {}
+    const juce::String getProgramName(int) override { return {}; }
+    void changeProgramName(int, const juce::String&) override {}
+    void getStateInformation(juce::MemoryBlock&) override {}
+    void setStateInformation(const void*, int) override {}
+};
+
+// What the window sees of a processor, with an engine that a test fills itself.
+struct FakeLink final : EditorLink, juce::ListBoxModel {
+    ZInstrument instrument;
+    juce::CriticalSection lock;
+    KeyboardRoute route{instrument};
+    EditorWindow* window = nullptr;
+    std::uint32_t groups = 0, loads = 0;
+    juce::StringArray titles;
+    int index = -1;
+    bool loading = false, succeeded = true;
+    double progress = -1.0;
+    Missing missing;
+    std::map<juce::String, juce::String> settings;
+    std::vector<std::pair<int, juce::String>> selected; // what selectInstrument was asked for
+    int edits = 0, tries = 0;
+
+    void setWindow(EditorWindow* open) override { window = open; }
+    ZInstrument& engine() override { return instrument; }
+    const juce::CriticalSection& contentsLock() override { return lock; }
+    std::uint32_t groupsGeneration() const override { return groups; }
+    std::uint32_t loadGeneration() const override { return loads; }
+    juce::ListBoxModel& instrumentList() override { return *this; }
+    juce::StringArray instrumentTitles() const override { return titles; }
+    int currentIndex() const override { return index; }
+    juce::String currentPath() const override { return {}; }
+    void selectInstrument(int row, const juce::String& path) override { selected.emplace_back(row, path); }
+    void tryAgain() override { ++tries; }
+    bool isLoading() const override { return loading; }
+    bool lastLoadSucceeded() const override { return succeeded; }
+    double loadProgress() const override { return progress; }
+    Missing missingSamples() const override { return missing; }
+    void locateMissingSamples(const juce::File&) override {}
+    juce::String setting(const juce::String& key, const juce::String& fallback) const override {
+        const auto found = settings.find(key);
+        return found != settings.end() ? found->second : fallback;
+    }
+    void setSetting(const juce::String& key, const juce::String& value) override { settings[key] = value; }
+    juce::String packTitle() const override { return "A pack"; }
+    juce::String vendorText() const override { return "A maker"; }
+    void editEnded() override { ++edits; }
+    KeyboardRoute& keyboardRoute() override { return route; }
+
+    int getNumRows() override { return titles.size(); }
+    void paintListBoxItem(int row, juce::Graphics& g, int width, int height, bool selectedRow) override {
+        g.fillAll(selectedRow ? juce::Colour(56, 117, 215) : juce::Colours::white);
+        g.drawText(titles[row], 2, 0, width - 4, height, juce::Justification::centredLeft);
+    }
+};
+
+} // namespace zarno
