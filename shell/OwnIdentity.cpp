@@ -9,10 +9,9 @@ namespace zarno {
 ModuleIdentity readOwnIdentity() {
     const auto start = readModuleStart(identityField::end);
     if (hasIdentityFields(start)) return readIdentityFields(start);
-    constexpr std::size_t longestSidecar = 4096;
     File sidecar(modulePath() + sidecarSuffix);
     if (!sidecar.isOpen()) return builtInIdentity();
-    std::string text(longestSidecar, '\0');
+    std::string text(sidecarBytes, '\0');
     text.resize(sidecar.read(text.data(), text.size()));
     return parseSidecar(text);
 }

@@ -8,6 +8,7 @@ class App;
 // Each adds its sub-command to the program. Commands throw MakerError when the input is bad.
 namespace zarno {
 
+void addBrandCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addPackCommand(CLI::App& program);
 void addUnpackCommand(CLI::App& program);

@@ -13,6 +13,7 @@ namespace {
 enum ExitCode { success = 0, badInput = 1, badUsage = 2 };
 
 constexpr void (*commands[])(CLI::App&) = {
+    zarno::addBrandCommand,
     zarno::addInfoCommand,
     zarno::addPackCommand,
     zarno::addUnpackCommand,
