@@ -92,6 +92,15 @@ void load(ZInstrument& instrument, const std::string& path) {
                      static_cast<unsigned long long>(texts.incompleteAt), texts.incompleteReason.c_str());
 }
 
+void printStats(const StreamStats& stats) {
+    std::printf(
+        "streaming: at most %d voices, %llu refills, %llu late, %llu failed, %.1f MB read at %.0f MB/s\n",
+        stats.mostVoices, static_cast<unsigned long long>(stats.refills),
+        static_cast<unsigned long long>(stats.lateRefills),
+        static_cast<unsigned long long>(stats.failedRefills), static_cast<double>(stats.bytesRead) / 1e6,
+        stats.megabytesPerSecond());
+}
+
 void renderOrThrow(const RenderOptions& options) {
     std::string error;
     const auto song = readSong(options.song, error);
@@ -114,6 +123,7 @@ void renderOrThrow(const RenderOptions& options) {
     std::printf("%s: %.1f s, %d notes, at most %d voices, peak %.1f dB, RMS %.1f dB\n", options.out.c_str(),
                 renderer.seconds(), song->noteCount(), renderer.mostVoices(), toDecibels(levels.peak()),
                 toDecibels(levels.rms()));
+    if (options.stats) printStats(instrument.streamStats());
 }
 
 } // namespace

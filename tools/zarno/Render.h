@@ -14,6 +14,7 @@ struct RenderOptions {
     double tailSeconds = 30.0;         // at most, behind the song's end
     int bits = 16;                     // 16, 24 or 32 (float)
     std::optional<std::uint32_t> seed; // none: by the time
+    bool stats = false; // say how streaming went
     bool realtime = false;             // as a host that plays live, instead of one that bounces
 };
 

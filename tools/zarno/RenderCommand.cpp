@@ -23,6 +23,7 @@ void addRenderCommand(CLI::App& program) {
         ->check(CLI::IsMember({16, 24, 32}));
     command->add_option("--seed", options->seed, "Makes random choices repeatable");
     command->add_flag("--realtime", options->realtime, "As a host that plays live, not one that bounces");
+    command->add_flag("--stats", options->stats, "Say how streaming went");
     command->callback([options] {
         options->instrument = absolutePath(options->instrument);
         if (const int failed = render(*options)) throw CLI::RuntimeError(failed); // it has said why
