@@ -41,3 +41,9 @@ target_link_libraries(zarno_juce PUBLIC PNG::PNG JPEG::JPEG ZLIB::ZLIB)
 if(WIN32)
     target_link_directories(zarno_juce PUBLIC ${zarnoMingwLibs}/lib) # JUCE asks for zlib as plain -lz
 endif()
+
+# The program that needs no host plays through JACK too; on Linux its server is found at run time.
+if(NOT WIN32)
+    set_source_files_properties(${JUCE_MODULES_DIR}/juce_audio_devices/juce_audio_devices.cpp
+        TARGET_DIRECTORY zarno_juce PROPERTIES COMPILE_DEFINITIONS JUCE_JACK=1)
+endif()

@@ -144,6 +144,15 @@ double knobPositionFor(int id, double value, double current) {
     return std::isfinite(position) ? std::clamp(position, 0.0, 1.0) : current;
 }
 
+double defaultKnobPosition(int id) {
+    if (id == pitchBendKnobId) return 0.5;
+    const KnobBinding* knob = findKnob(id);
+    if (knob == nullptr) return 0.0;
+    const double value =
+        knob->isOfGroup() ? knobValueIn(*knob, GroupRecord{}) : knobValueIn(*knob, InstrumentSettings{});
+    return knobPositionFor(id, value, 0.0);
+}
+
 std::string knobText(const KnobBinding& knob, double position) {
     double value = knob.value(position);
     if (std::abs(value) < 0.005) value = 0.0; // no "-0.00"

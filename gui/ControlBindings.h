@@ -94,6 +94,9 @@ inline int controllerValueAt(double position) {
 // do knobs that drive nothing.
 double knobPositionFor(int id, double value, double current);
 
+// Where a knob stands while its setting has its default, or while nothing is there for it to drive.
+double defaultKnobPosition(int id);
+
 // "-6.0 dB": the setting at a position, for people.
 std::string knobText(const KnobBinding& knob, double position);
 

@@ -29,7 +29,8 @@ void setUpKnob(juce::Slider& knob, const ControlDescription& description, juce::
     knob.setWantsKeyboardFocus(true);
     knob.setPopupDisplayEnabled(true, false, &panel);
     if (goesBothWays(id)) knob.getProperties().set("fromMiddle", true);
-    if (id == pitchBendKnobId) knob.setValue(0.5, juce::dontSendNotification);
+    knob.setValue(defaultKnobPosition(id), juce::dontSendNotification);
+    knob.setDoubleClickReturnValue(true, defaultKnobPosition(id));
     knob.textFromValueFunction = [id](double position) -> juce::String {
         if (const KnobBinding* binding = findKnob(id)) return knobText(*binding, position);
         return isControllerKnob(id) ? juce::String(static_cast<int>(position * 127.0))

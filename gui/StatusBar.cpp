@@ -7,6 +7,7 @@ namespace zarno {
 namespace {
 
 juce::String activity(const StatusBar::State& state) {
+    if (state.hasFailed) return "Loading failed";
     const auto voices = state.voices == 1 ? juce::String("1 voice") : juce::String(state.voices) + " voices";
     return voices + (state.isStreaming ? ", streaming" : ", in memory");
 }
@@ -22,10 +23,11 @@ StatusBar::StatusBar() {
     add(missing_, {}, "Missing samples", &StatusBar::onMissing);
     add(tryAgain_, "Try again", "Load failed, try again", &StatusBar::onTryAgain);
     add(zoom_, {}, "Zoom", &StatusBar::onZoom);
+    for (auto* button : {&load_, &instruments_, &groups_, &list_, &zoom_, &missing_, &tryAgain_})
+        button->setColour(juce::TextButton::buttonColourId, juce::Colour(theme::quietButton));
     for (auto* button : {&missing_, &tryAgain_})
         button->setColour(juce::TextButton::textColourOffId, juce::Colour(theme::warning));
     activityText_.setFont(juce::Font(12.0f));
-    activityText_.setColour(juce::Label::textColourId, juce::Colour(theme::quietText));
     activityText_.setInterceptsMouseClicks(false, false);
     addAndMakeVisible(activityText_);
     addAndMakeVisible(light_);
@@ -50,6 +52,8 @@ void StatusBar::show(const State& state) {
     if (state == state_ && activityText_.getText().isNotEmpty()) return;
     state_ = state;
     activityText_.setText(activity(state), juce::dontSendNotification);
+    activityText_.setColour(juce::Label::textColourId,
+                            juce::Colour(state.hasFailed ? theme::warning : theme::quietText));
     light_.setLevel(state.voices > 0 ? 1.0f : 0.0f);
     missing_.setButtonText(state.missing);
     missing_.setVisible(state.missing.isNotEmpty());

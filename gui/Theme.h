@@ -6,8 +6,9 @@
 // The colours of everything that a layout does not colour itself, as ARGB.
 namespace zarno::theme {
 
-inline constexpr std::uint32_t body = 0xff1d2025;   // behind and around the panel
-inline constexpr std::uint32_t bar = 0xff15171b;    // the bar below it
+inline constexpr std::uint32_t body = 0xff1d2025; // behind and around the panel
+inline constexpr std::uint32_t bar = 0xff15171b;  // the bar below it
+inline constexpr std::uint32_t quietButton = 0xff23262c;
 inline constexpr std::uint32_t raised = 0xff32363e; // buttons and menus
 inline constexpr std::uint32_t outline = 0xff454a54;
 inline constexpr std::uint32_t text = 0xfff1f3f6;

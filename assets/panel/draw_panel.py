@@ -77,7 +77,7 @@ def background():
     # The name's display.
     parts.append('<rect x="141.5" y="53.5" width="364" height="55" rx="7" fill="url(#glass)"/>')
     parts.append('<rect x="141" y="53" width="365" height="56" rx="7.5" fill="none" stroke="url(#rim)" stroke-width="1"/>')
-    parts.append(keys_icon(154.5, 64.5))
+    parts.append(keys_icon(154.5, 66.5))
     # Name and maker beside it.
     parts.append(caption("ZARNO", 72, 67, 14, "#f4f5f7", 1.7, 4.0))
     parts.append(caption("SAMPLER PLAYER", 72, 90.5, 5, "#8d94a1", 0.8, 3.4))
