@@ -1,164 +1,143 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Streaming against what the disk delivers in the same run. Files are written to a folder of their own
-// (ZARNO_BENCH_FOLDER, else the system's temporary folder: it must be on a real disk) and put out of the page
-// cache before each measurement.
+// Streaming next to what the disk delivers in the same run. Instruments are written to ZARNO_BENCH_FOLDER,
+// else to the temporary folder, which must lie on a real disk, and put out of the page cache before each
+// measurement.
 #include "bench/BenchInstrument.h"
-#include "data/load/ZoneBuilder.h"
+#include "bench/LargeInstrument.h"
+#include "data/load/InstrumentLoader.h"
+#include "data/stream/ChunkFill.h"
 #include "platform/Clock.h"
 
 #include <benchmark/benchmark.h>
 
-#include <cstdlib>
+#include <chrono>
 #include <cstring>
-#include <fcntl.h>
-#include <filesystem>
-#include <fstream>
 #include <thread>
+
+#include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace zarno::bench {
 namespace {
 
-constexpr int rate = 44100, frameBytes = 4, headerBytes = 44;
-constexpr int chunk = 44100;
+constexpr int rate = 44100, frameBytes = 4, waveHeaderBytes = 44;
+constexpr std::size_t chunkBytes = 44100 * frameBytes; // of an instrument with default settings
 
-// Stereo 16-bit waves of noise, removed when the program ends.
-class WaveFolder {
-  public:
-    WaveFolder() {
-        const char* chosen = std::getenv("ZARNO_BENCH_FOLDER");
-        const auto base = chosen ? std::filesystem::path(chosen) : std::filesystem::temp_directory_path();
-        path_ = base / ("zarno-bench-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(path_);
-    }
-    ~WaveFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    // As many files as asked for, of at least `seconds`; on disk, not in the page cache.
-    const std::vector<std::string>& files(std::size_t count, int seconds) {
-        while (files_.size() < count || seconds_ < seconds) {
-            if (seconds_ < seconds) files_.clear(), seconds_ = seconds;
-            files_.push_back((path_ / (std::to_string(files_.size()) + ".wav")).string());
-            write(files_.back());
-        }
-        for (const std::string& file : files_)
-            forget(file);
-        return files_;
-    }
-
-  private:
-    void write(const std::string& file) const {
-        static const auto noise = makeNoise(std::uint64_t(rate) * 16, 2, true);
-        const auto data = static_cast<std::uint32_t>(seconds_ * rate * frameBytes);
-        const std::uint32_t riff = data + headerBytes - 8, rateField = rate, byteRate = rate * frameBytes,
-                            sixteen = 16;
-        const std::uint16_t format[] = {1, 2}, tail[] = {frameBytes, 16};
-        std::ofstream out(file, std::ios::binary);
-        const auto put = [&](const void* bytes, std::size_t n) {
-            out.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(n));
-        };
-        put("RIFF", 4), put(&riff, 4), put("WAVEfmt ", 8), put(&sixteen, 4), put(format, 4),
-            put(&rateField, 4);
-        put(&byteRate, 4), put(tail, 4), put("data", 4), put(&data, 4), put(noise->shorts(), data);
-    }
-    static void forget(const std::string& file) {
-        const int descriptor = ::open(file.c_str(), O_RDONLY);
+// Out of the page cache.
+void forget(const LargeInstrument& large) {
+    for (const auto& entry : std::filesystem::directory_iterator(large.folder())) {
+        const int descriptor = ::open(entry.path().c_str(), O_RDONLY);
         ::fdatasync(descriptor);
         ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
         ::close(descriptor);
     }
-
-    std::filesystem::path path_;
-    std::vector<std::string> files_;
-    int seconds_ = 0;
-};
-
-WaveFolder& folder() {
-    static WaveFolder one;
-    return one;
 }
 
-double megabytesPerSecond(double bytes, double ms) {
-    return bytes / (ms * 1000.0);
-}
-
-// One chunk from each file at the given place, plainly.
-double readPlainly(const std::vector<std::string>& files, std::size_t count, off_t offset) {
-    std::vector<char> bytes(static_cast<std::size_t>(chunk) * frameBytes);
+// A chunk of each wave, plainly: milliseconds.
+double readChunks(const LargeInstrument& large, off_t offset) {
+    std::vector<std::unique_ptr<char[]>> kept;
     const double began = systemClock().nowMs();
-    for (std::size_t i = 0; i < count; ++i) {
-        const int descriptor = ::open(files[i].c_str(), O_RDONLY);
+    for (const std::string& wave : large.waves()) {
+        kept.emplace_back(new char[chunkBytes]);
+        const int descriptor = ::open(wave.c_str(), O_RDONLY);
         ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_RANDOM);
-        benchmark::DoNotOptimize(::pread(descriptor, bytes.data(), bytes.size(), offset));
+        benchmark::DoNotOptimize(::pread(descriptor, kept.back().get(), chunkBytes, offset));
         ::close(descriptor);
     }
     return systemClock().nowMs() - began;
 }
 
-ZGroup& addStreamed(ZInstrument& instrument, const std::vector<std::string>& files, std::size_t count) {
-    ZGroup& group = instrument.createGroup("streamed");
-    ZoneBuilder builder(instrument.settings());
-    for (std::size_t i = 0; i < count; ++i) {
-        auto zone = builder.fromWaveFile(files[i]);
-        zone->record.rootKey = 60;
-        zone->record.highKey = 127;
-        zone->record.highVelocity = 127;
-        builder.recordChanged(*zone);
-        group.addZone(std::move(zone));
-    }
-    return group;
-}
-
-void setStreaming(ZInstrument& instrument, int voices) {
-    instrument.settings().polyphony = voices;
-    instrument.settings().streamBufferFrames = chunk;
-    instrument.rebuildPool();
+double residentMegabytes() {
+    ::malloc_trim(0);
+    long pages = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> pages >> resident;
+    return static_cast<double>(resident) * static_cast<double>(::sysconf(_SC_PAGESIZE)) / 1e6;
 }
 
 // Every voice a file of its own, all started in one block, played in real time.
 void voicesFromDisk(benchmark::State& state) {
-    const auto voices = static_cast<std::size_t>(state.range(0));
     constexpr int seconds = 8, block = 512;
+    const auto voices = static_cast<std::uint32_t>(state.range(0));
+    const LargeInstrument large(
+        {voices, (seconds + 2) * rate * frameBytes, false, true, static_cast<std::int32_t>(voices)});
+    forget(large);
+    const double plainMs = readChunks(large, waveHeaderBytes + 4 * static_cast<off_t>(chunkBytes));
+    ZInstrument instrument;
+    if (!loadInstrument(instrument, large.path())) return state.SkipWithError("not loaded");
+    forget(large);
+    std::vector<float> left(block), right(block);
+    float* outputs[] = {left.data(), right.data()};
     for (auto _ : state) {
-        const auto& cold = folder().files(voices, seconds + 2);
-        const double plainMs = readPlainly(cold, voices, headerBytes + 4 * chunk * frameBytes);
-        ZInstrument instrument;
-        setStreaming(instrument, static_cast<int>(voices));
-        instrument.activateGroup(&addStreamed(instrument, cold, voices));
-        folder().files(voices, seconds + 2);
-        std::vector<float> left(block), right(block);
-        float* outputs[] = {left.data(), right.data()};
         instrument.postEvent(midi::noteOn, 0, 60, 100, 0);
         const double began = systemClock().nowMs();
-        double longestBlock = 0;
         for (int frame = 0; frame < seconds * rate; frame += block) {
-            const double due = began + frame * 1000.0 / rate, now = systemClock().nowMs();
-            if (due > now) std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(due - now));
-            const double blockBegan = systemClock().nowMs();
+            const double early = began + frame * 1000.0 / rate - systemClock().nowMs();
+            if (early > 0) std::this_thread::sleep_for(std::chrono::duration<double, std::milli>(early));
             instrument.renderBlock(outputs, 2, block);
-            longestBlock = std::max(longestBlock, systemClock().nowMs() - blockBegan);
         }
-        const StreamStats stats = instrument.streamStats();
-        state.counters["late"] = static_cast<double>(stats.lateRefills);
-        state.counters["refills"] = static_cast<double>(stats.refills);
-        state.counters["stream_MB_s"] = stats.megabytesPerSecond();
-        state.counters["plain_MB_s"] =
-            megabytesPerSecond(static_cast<double>(voices) * chunk * frameBytes, plainMs);
-        state.counters["needed_MB_s"] = static_cast<double>(voices) * rate * frameBytes / 1e6;
-        state.counters["longest_block_ms"] = longestBlock;
     }
+    const StreamStats stats = instrument.streamStats();
+    if (stats.voices != state.range(0)) state.SkipWithError("voices have ended");
+    state.counters["late"] = static_cast<double>(stats.lateRefills);
+    state.counters["refills"] = static_cast<double>(stats.refills);
+    state.counters["needed_MB_s"] = voices * static_cast<double>(rate) * frameBytes / 1e6;
+    state.counters["stream_MB_s"] = stats.megabytesPerSecond();
+    state.counters["plain_MB_s"] = voices * static_cast<double>(chunkBytes) / (plainMs * 1000.0);
 }
 BENCHMARK(voicesFromDisk)
-    ->Arg(64)
-    ->Arg(256)
+    ->RangeMultiplier(2)
+    ->Range(64, 1024)
     ->Arg(384)
-    ->Arg(512)
-    ->Arg(768)
     ->Iterations(1)
     ->UseRealTime()
     ->Unit(benchmark::kSecond);
+
+// From cold files; and one chunk of each of those files alone, cold too.
+void loadStreaming(benchmark::State& state) {
+    const auto zones = static_cast<std::uint32_t>(state.range(0));
+    const LargeInstrument large({zones, 1 << 20, false, true});
+    double plainMs = 0.0, memory = 0.0;
+    for (auto _ : state) {
+        state.PauseTiming();
+        forget(large);
+        plainMs += readChunks(large, waveHeaderBytes);
+        forget(large);
+        ZInstrument instrument;
+        const double before = residentMegabytes();
+        state.ResumeTiming();
+        if (!loadInstrument(instrument, large.path())) return state.SkipWithError("not loaded");
+        state.PauseTiming();
+        memory = residentMegabytes() - before;
+        instrument.clear();
+        state.ResumeTiming();
+    }
+    state.counters["plain_ms"] = plainMs / static_cast<double>(state.iterations());
+    state.counters["MB"] = memory;
+    state.counters["preloads_MB"] = zones * static_cast<double>(chunkBytes) / 1e6;
+}
+BENCHMARK(loadStreaming)->Arg(2048)->Iterations(3)->UseRealTime()->Unit(benchmark::kMillisecond);
+
+// The audio thread's share: voices on files that are in the page cache, next to the same voices in memory.
+void renderStreamed(benchmark::State& state, bool streaming) {
+    constexpr int voices = 64, block = 512;
+    const LargeInstrument large({voices, 30 * rate * frameBytes, false, streaming, voices});
+    ZInstrument instrument;
+    if (!loadInstrument(instrument, large.path())) return state.SkipWithError("not loaded");
+    instrument.alwaysAwaitBuffers(true);
+    std::vector<float> left(block), right(block);
+    float* outputs[] = {left.data(), right.data()};
+    std::int64_t frames = 0;
+    for (auto _ : state) {
+        if (instrument.playingVoices() < voices) instrument.postEvent(midi::noteOn, 0, 61, 100, 0);
+        instrument.renderBlock(outputs, 2, block);
+        frames += instrument.playingVoices() * block;
+    }
+    state.counters["per_voice_frame"] = benchmark::Counter(
+        static_cast<double>(frames), benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK_CAPTURE(renderStreamed, memory, false);
+BENCHMARK_CAPTURE(renderStreamed, streamed, true);
 
 } // namespace
 } // namespace zarno::bench
