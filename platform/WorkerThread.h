@@ -25,7 +25,10 @@ class WorkerThread {
     /// Waits for the end of the run, if there is one. Never called from the thread itself.
     void join();
 
-    /// True from start until join.
+    /// Lets go of a thread that may never end. Its module must stay in memory: see keepModuleForever.
+    void detach();
+
+    /// True from start until join or detach.
     bool isStarted() const;
 
   private:

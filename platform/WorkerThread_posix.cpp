@@ -47,6 +47,10 @@ void WorkerThread::join() {
     if (isStarted()) impl_->thread.join();
 }
 
+void WorkerThread::detach() {
+    if (isStarted()) impl_->thread.detach();
+}
+
 bool WorkerThread::isStarted() const {
     return impl_->thread.joinable();
 }

@@ -62,6 +62,11 @@ void WorkerThread::join() {
     impl_->thread = nullptr;
 }
 
+void WorkerThread::detach() {
+    if (isStarted()) CloseHandle(impl_->thread);
+    impl_->thread = nullptr;
+}
+
 bool WorkerThread::isStarted() const {
     return impl_->thread != nullptr;
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/CZSP.h"
 
-#include "data/load/InstrumentLoader.h"
+#include "gui/CLookAndFeel.h"
+#include "gui/CZSPGUI.h"
 #include "platform/Module.h"
-#include "shell/HostChunk.h"
-#include "shell/PlainEditor.h"
+#include "shell/SampleSearch.h"
 #include "shell/UserFolders.h"
 
 #include <algorithm>
@@ -21,17 +21,24 @@ juce::String fromUtf8(const std::string& text) {
 CZSP::CZSP()
     : AudioProcessor(BusesProperties().withOutput("Output", juce::AudioChannelSet::stereo(), true))
     , Thread("ZSP Loading Thread")
+    , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
     library_ = Library::scan({libraryFolderBeside(modulePath()), userLibraryFolder()});
+    lookAndFeel_ = std::make_unique<CLookAndFeel>();
     engine_.setDelegate(this);
     if (!library_.entries.empty()) selectInstrument(0, {}, false, true);
 }
 
+// The loading thread looks for the signal every few milliseconds and never waits for this one.
 CZSP::~CZSP() {
+    constexpr int steps = 200, stepMs = 5;
+    signalThreadShouldExit();
+    for (int i = 0; i < steps && isThreadRunning(); ++i)
+        juce::Thread::sleep(stepMs);
+    waitForThreadToExit(-1);
+    endOfLoad_.cancelPendingUpdate();
     engine_.setDelegate(nullptr);
 }
-
-void CZSP::run() {}
 
 bool CZSP::isBusesLayoutSupported(const BusesLayout& layout) const {
     return layout.getMainInputChannelSet().isDisabled() &&
@@ -40,7 +47,11 @@ bool CZSP::isBusesLayoutSupported(const BusesLayout& layout) const {
 
 void CZSP::prepareToPlay(double sampleRate, int) {
     engine_.setSampleRate(static_cast<float>(sampleRate));
-    // A note-off or a pedal-up that the host sent while it had us stopped never reached us.
+    releaseAllNotes();
+}
+
+// A note-off or a pedal-up that the host sent while we were stopped or suspended never reached us.
+void CZSP::releaseAllNotes() {
     engine_.postEvent(midi::controller, 0, 64, 0, 0);
     engine_.postEvent(midi::controller, 0, 123, 0, 0);
 }
@@ -82,11 +93,11 @@ void CZSP::processBlockBypassed(juce::AudioBuffer<float>& audio, juce::MidiBuffe
 }
 
 juce::AudioProcessorEditor* CZSP::createEditor() {
-    return new PlainEditor(*this, fromUtf8(engine_.texts().name));
+    return new CZSPGUI(*this, editorPort_);
 }
 
 int CZSP::getCurrentProgram() {
-    return std::max(library_.indexOf(currentPath_.toStdString()), 0);
+    return std::max(library_.indexOf(currentPath().toStdString()), 0);
 }
 
 void CZSP::setCurrentProgram(int index) {
@@ -113,7 +124,8 @@ void CZSP::listBoxItemDoubleClicked(int row, const juce::MouseEvent&) {
     selectInstrument(row, {}, false, false);
 }
 
-bool CZSP::loadProgress(float, const char*, const char*) {
+bool CZSP::loadProgress(float fraction, const char*, const char*) {
+    progress_ = fraction;
     return !threadShouldExit();
 }
 
@@ -121,76 +133,40 @@ void CZSP::groupsChanged() {
     groupsGeneration_.fetch_add(1, std::memory_order_relaxed);
 }
 
-void CZSP::reportMessage(const char*, char* reply) {
-    reply[0] = 0;
+void CZSP::reportMessage(const char* text, char* reply) {
+    SampleSearch search({settings_.get("missing folder").toStdString(), homeFolder()}, {},
+                        [this] { return !threadShouldExit(); });
+    const std::string found = search.find(text);
+    {
+        const juce::ScopedLock hold(lock_);
+        locatedPath_ = fromUtf8(found);
+    }
+    if (found.size() < replyBytes) std::copy_n(found.c_str(), found.size() + 1, reply);
+}
+
+void CZSP::tellHostOfChange() {
+    // The interface has no better word for a changed state than a changed program.
+    updateHostDisplay(ChangeDetails().withProgramChanged(true).withNonParameterStateChanged(true));
+}
+
+juce::String CZSP::currentPath() const {
+    const juce::ScopedLock hold(lock_);
+    return currentPath_;
+}
+
+int CZSP::currentIndex() const {
+    const juce::ScopedLock hold(lock_);
+    return currentIndex_;
+}
+
+EditorLink::Missing CZSP::missingSamples() const {
+    const juce::ScopedLock hold(lock_);
+    return missing_;
 }
 
 void CZSP::seedRandom(std::uint32_t seed) {
     const juce::ScopedLock hold(getCallbackLock());
     engine_.seedRandom(seed);
-}
-
-void CZSP::selectInstrument(int index, const juce::String& path, bool reapply, bool) {
-    juce::String target = path;
-    if (path.isEmpty() && library_.contains(index))
-        target = fromUtf8(library_.entries[static_cast<std::size_t>(index)].path);
-    else if (const int found = library_.indexOf(path.toStdString()); found >= 0)
-        index = found;
-    if (target == currentPath_ && !reapply) return;
-    if (target.isEmpty()) {
-        if (reapply) applyPendingState();
-        return;
-    }
-    currentPath_ = target;
-    currentIndex_ = index;
-    loading_ = true;
-    load();
-}
-
-void CZSP::load() {
-    suspendProcessing(true);
-    engine_.setLoading(true);
-    lastLoadSucceeded_ = loadInstrument(engine_, currentPath_.toStdString()).loaded;
-    engine_.setLoading(false);
-    suspendProcessing(false);
-    applyPendingState();
-    loading_ = false;
-}
-
-void CZSP::getStateInformation(juce::MemoryBlock& chunk) {
-    const auto bytes = encodeChunk(currentPath_.toStdString(), engine_.settings(),
-                                   engine_.currentGroupIndex(), engine_.groups());
-    chunk.append(bytes.data(), bytes.size());
-}
-
-void CZSP::setStateInformation(const void* data, int size) {
-    if (data == nullptr || size <= 0) return;
-    const auto parts = splitChunk({static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(size)});
-    if (parts.path.empty()) return;
-    pendingState_ = std::make_unique<juce::MemoryBlock>(parts.tail.data(), parts.tail.size());
-    selectInstrument(-1, fromUtf8(parts.path), true, true);
-}
-
-void CZSP::applyPendingState() {
-    const auto pending = std::move(pendingState_);
-    if (!pending) return;
-    const auto state = decodeTail({static_cast<const std::uint8_t*>(pending->getData()), pending->getSize()},
-                                  engine_.groups().size());
-    const juce::ScopedLock hold(getCallbackLock());
-    if (state.settings) takeRestoredFields(engine_.settings(), *state.settings);
-    engine_.requestApplySettings();
-    for (std::size_t i = 0; i < state.groups.size(); ++i) {
-        copyGroup(engine_.groups()[i]->record, state.groups[i]);
-        engine_.prepareZones(*engine_.groups()[i]);
-    }
-    if (state.currentGroup) makeOnlyActiveGroup(*state.currentGroup);
-}
-
-void CZSP::makeOnlyActiveGroup(std::int32_t index) {
-    engine_.deactivateAllGroups();
-    if (index < 0) return;
-    engine_.activateGroup(engine_.groups()[static_cast<std::size_t>(index)].get());
-    groupsChanged();
 }
 
 } // namespace zarno

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/load/InstrumentLoader.h"
 #include "engine/ZInstrument.h"
 #include "engine/ZSEDelegate.h"
+#include "shell/EditorPort.h"
 #include "shell/KeyboardRoute.h"
 #include "shell/Library.h"
 #include "shell/ModuleIdentity.h"
+#include "shell/Settings.h"
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
@@ -83,27 +86,73 @@ class CZSP final : public juce::AudioProcessor,
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
+    /// The host is told that there is something to save.
+    void tellHostOfChange();
+
     ZInstrument& engine() { return engine_; }
     const ModuleIdentity& identity() const { return identity_; }
+    Settings& settings() { return settings_; }
+    KeyboardRoute& keyboardRoute() { return keyboardRoute_; }
+    /// Held while groups, zones and texts of the engine are looked at or replaced.
+    const juce::CriticalSection& contentsLock() const { return contentsLock_; }
+
+    /// Any thread.
+    bool isLoading() const { return loading_; }
+    bool lastLoadSucceeded() const { return lastLoadSucceeded_; }
+    double progress() const { return progress_; }
+    std::uint32_t groupsGeneration() const { return groupsGeneration_; }
+    std::uint32_t loadGeneration() const { return loadGeneration_; }
+    juce::String currentPath() const;
+    int currentIndex() const;
+    EditorLink::Missing missingSamples() const;
 
   private:
     void run() override;
+    void showEndOfLoad();
     void postEvents(const juce::MidiBuffer& midi);
+    void releaseAllNotes();
+
+    bool choose(int& index, juce::String& target, bool reapply);
+    void startLoading();
+    void loadNow();
     void load();
+    LoadResult readAndTakeOver(const juce::String& path);
+    void endLoad();
     void applyPendingState();
     void makeOnlyActiveGroup(std::int32_t index);
+
+    // Brings the end of a load to the message thread. Waits for nobody.
+    struct EndOfLoad final : juce::AsyncUpdater {
+        explicit EndOfLoad(CZSP& owner)
+            : processor(owner) {}
+        ~EndOfLoad() override { cancelPendingUpdate(); }
+        void handleAsyncUpdate() override { processor.showEndOfLoad(); }
+        CZSP& processor;
+    };
 
     ZInstrument engine_;
     KeyboardRoute keyboardRoute_{engine_};
     Library library_;
-    juce::String currentPath_;
-    int currentIndex_ = -1;
     std::atomic<bool> loading_{false};
     std::atomic<bool> lastLoadSucceeded_{true};
+    std::atomic<double> progress_{-1.0};
+    std::atomic<std::uint32_t> groupsGeneration_{0}, loadGeneration_{0};
+    Settings settings_;
     ModuleIdentity identity_;
-    std::unique_ptr<juce::MemoryBlock> pendingState_;
-    std::atomic<std::uint32_t> groupsGeneration_{0};
-    juce::CriticalSection lock_;
+    EditorPort editorPort_{*this};
+    std::unique_ptr<juce::LookAndFeel> lookAndFeel_;
+    EndOfLoad endOfLoad_{*this};
+
+    juce::CriticalSection contentsLock_; // taken before the callback lock
+    juce::CriticalSection lock_;         // guards all below; nothing else is locked under it
+    juce::String currentPath_;           // of what is loaded, being loaded, or chosen during a load
+    juce::String loadedPath_;            // of the last load
+    juce::String locatedPath_;
+    int currentIndex_ = -1;
+    bool running_ = false;                    // a load; changes together with loading_
+    EditorLink::Missing missing_;             // in the last load
+    std::vector<std::uint8_t> receivedChunk_; // restored, and not loaded yet
+    std::vector<std::uint8_t> pendingState_;  // its tail, to be applied after the load
 };
 
 } // namespace zarno

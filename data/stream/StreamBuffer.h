@@ -28,11 +28,10 @@ class StreamBuffer {
     const void* frame0() const { return words(); }
 
   private:
-    using Word = std::uint64_t;
+    using Word = std::uint32_t;
 
     Word* words() const { return static_cast<Word*>(frame0_); }
-    Word bitsAt(std::int64_t byte) const;
-    float sampleAt(std::int64_t sample) const;
+    Word load(std::int64_t word) const;
 
     SampleMemory memory_;
     void* frame0_ = nullptr;

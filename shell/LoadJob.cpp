@@ -1,0 +1,77 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/LoadJob.h"
+
+#include "platform/Module.h"
+
+#include <chrono>
+#include <cstring>
+
+namespace zarno {
+
+LoadJob::LoadJob(Request request)
+    : request_(std::move(request))
+    , search_(request_.places, request_.limits, [this] { return goOn(); }) {}
+
+std::shared_ptr<LoadJob> LoadJob::start(Request request) {
+    auto job = std::make_shared<LoadJob>(std::move(request));
+    // The thread holds the job only when it was left behind: see abandon.
+    const bool started = job->thread_.start(
+        "ZSP Reader", [raw = job.get()] { raw->read(); }, WorkerThread::Priority::lowest);
+    return started ? job : nullptr;
+}
+
+void LoadJob::read() {
+    LoadOptions options;
+    options.enteredText = request_.licenceText;
+    options.delegate = this;
+    options.opened = [this] { waitForPermission(); };
+    result_ = readInstrument(contents_, request_.path, options);
+    const std::lock_guard hold(lock_);
+    state_ = State::Finished;
+    changed_.notify_all();
+}
+
+void LoadJob::waitForPermission() {
+    std::unique_lock hold(lock_);
+    state_ = State::Opened;
+    changed_.notify_all();
+    changed_.wait(hold, [this] { return state_ != State::Opened || !goOn(); });
+    state_ = State::Reading;
+}
+
+LoadJob::State LoadJob::wait(unsigned timeoutMs) {
+    std::unique_lock hold(lock_);
+    changed_.wait_for(hold, std::chrono::milliseconds(timeoutMs),
+                      [this] { return state_ != State::Reading; });
+    return state_;
+}
+
+void LoadJob::proceed() {
+    const std::lock_guard hold(lock_);
+    if (state_ == State::Opened) state_ = State::Reading;
+    changed_.notify_all();
+}
+
+void LoadJob::cancel() {
+    const std::lock_guard hold(lock_);
+    cancelled_ = true;
+    changed_.notify_all();
+}
+
+void LoadJob::abandon(std::shared_ptr<LoadJob> job) {
+    keepModuleForever();
+    job->thread_.detach();
+    new std::shared_ptr<LoadJob>(std::move(job)); // kept on purpose: nobody knows when the reader comes back
+}
+
+bool LoadJob::loadProgress(float fraction, const char*, const char*) {
+    progress_.store(fraction, std::memory_order_relaxed);
+    return goOn();
+}
+
+void LoadJob::reportMessage(const char* text, char* reply) {
+    const std::string found = search_.find(text);
+    if (found.size() < replyBytes) std::memcpy(reply, found.c_str(), found.size() + 1);
+}
+
+} // namespace zarno

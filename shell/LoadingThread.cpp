@@ -1,0 +1,168 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// How CZSP changes its instrument: the choice, the thread, the load, its end.
+#include "platform/MessageBox.h"
+#include "shell/CZSP.h"
+#include "shell/LoadJob.h"
+#include "shell/UserFolders.h"
+
+#include <chrono>
+
+namespace zarno {
+namespace {
+
+constexpr unsigned lookEveryMs = 5;
+constexpr auto readerPatience =
+    std::chrono::milliseconds(600); // what an exit grants the reader to end by itself
+
+juce::String fromUtf8(const std::string& text) {
+    return juce::String::fromUTF8(text.data(), static_cast<int>(text.size()));
+}
+
+juce::StringArray toArray(const std::vector<std::string>& texts) {
+    juce::StringArray array;
+    for (const std::string& text : texts)
+        array.add(fromUtf8(text));
+    return array;
+}
+
+bool isMessageThread() {
+    const auto* manager = juce::MessageManager::getInstanceWithoutCreating();
+    return manager != nullptr && manager->isThisTheMessageThread();
+}
+
+} // namespace
+
+// Resolves what was asked for, and makes it the current one when there is something to load.
+bool CZSP::choose(int& index, juce::String& target, bool reapply) {
+    if (target.isEmpty() && library_.contains(index))
+        target = fromUtf8(library_.entries[static_cast<std::size_t>(index)].path);
+    else if (const int found = library_.indexOf(target.toStdString()); found >= 0)
+        index = found;
+    const juce::ScopedLock hold(lock_);
+    if (target.isEmpty() || (target == currentPath_ && !reapply)) return false;
+    if (target != currentPath_ && !reapply) {
+        receivedChunk_.clear(); // another one was chosen: what a project asked for is over
+        pendingState_.clear();
+    }
+    currentPath_ = target;
+    currentIndex_ = index;
+    return true;
+}
+
+void CZSP::selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous) {
+    juce::String target = path;
+    if (!choose(index, target, reapply)) {
+        if (target.isEmpty() && reapply) applyPendingState();
+        return;
+    }
+    if (synchronous)
+        loadNow();
+    else
+        startLoading();
+}
+
+// A request during a load starts nothing: the running one ends with the path it began with, on purpose.
+void CZSP::startLoading() {
+    {
+        const juce::ScopedLock hold(lock_);
+        if (running_) return;
+        running_ = true;
+        loading_ = true;
+        progress_ = -1.0;
+    }
+    if (isMessageThread() && editorPort_.window() != nullptr) editorPort_.window()->loadingStarted();
+    waitForThreadToExit(-1); // of a former load, which has only to return
+    if (!startThread(juce::Thread::Priority::background)) endLoad();
+}
+
+void CZSP::loadNow() {
+    for (;; juce::Thread::sleep(static_cast<int>(lookEveryMs))) {
+        const juce::ScopedLock hold(lock_);
+        if (running_) continue;
+        running_ = true;
+        loading_ = true;
+        progress_ = -1.0;
+        break;
+    }
+    load();
+    endLoad();
+}
+
+void CZSP::run() {
+    load();
+    endLoad();
+}
+
+void CZSP::load() {
+    const juce::String path = currentPath();
+    suspendProcessing(true);
+    engine_.setLoading(true);
+    const LoadResult result = readAndTakeOver(path);
+    lastLoadSucceeded_ = result.loaded;
+    {
+        const juce::ScopedLock hold(lock_);
+        loadedPath_ = path;
+        missing_ = {toArray(result.missing), toArray(result.unsupported)};
+    }
+    releaseAllNotes();
+    engine_.setLoading(false);
+    suspendProcessing(false);
+    applyPendingState();
+}
+
+LoadResult CZSP::readAndTakeOver(const juce::String& path) {
+    using Clock = std::chrono::steady_clock;
+    auto job = LoadJob::start({path.toStdString(),
+                               settings_.get(path).toStdString(),
+                               {settings_.get("missing folder").toStdString(), homeFolder()},
+                               {}});
+    if (!job) return {};
+    auto cancelledAt = Clock::time_point::max();
+    for (;;) {
+        const auto state = job->wait(lookEveryMs);
+        if (state == LoadJob::State::Finished) break;
+        if (state == LoadJob::State::Opened) { // what was loaded goes before the new one takes its memory
+            const juce::ScopedLock hold(contentsLock_);
+            engine_.clear();
+            job->proceed();
+        }
+        if (!loadProgress(job->progress(), "", "") && cancelledAt == Clock::time_point::max()) {
+            job->cancel();
+            cancelledAt = Clock::now();
+        }
+        if (cancelledAt != Clock::time_point::max() && Clock::now() - cancelledAt > readerPatience) {
+            LoadJob::abandon(std::move(job));
+            return {};
+        }
+    }
+    job->join();
+    if (job->result().opened) {
+        const juce::ScopedLock hold(contentsLock_);
+        takeOver(engine_, job->contents(), job->result());
+    }
+    return job->result();
+}
+
+// The two flags change together, so that no request falls into a gap at the end.
+void CZSP::endLoad() {
+    {
+        const juce::ScopedLock hold(lock_);
+        if (lastLoadSucceeded_) receivedChunk_.clear();
+        running_ = false;
+        loading_ = false;
+        loadGeneration_.fetch_add(1, std::memory_order_relaxed);
+    }
+    if (threadShouldExit()) return;
+    tellHostOfChange();
+    endOfLoad_.triggerAsyncUpdate();
+}
+
+void CZSP::showEndOfLoad() {
+    EditorWindow* window = editorPort_.window();
+    if (window == nullptr || loading_) return;
+    window->loadingFinished();
+    // Last, since the box runs messages of its own: this object may be gone when it is dismissed.
+    if (!lastLoadSucceeded_) showMessageBox("Zarno Sampler Player", "Unable to load this instrument.");
+}
+
+} // namespace zarno

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/SampleSearch.h"
+
+#include "platform/Folder.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+
+namespace zarno {
+namespace {
+
+// Latin letters and those of Latin-1, which is what differs between file systems in practice.
+std::string folded(std::string text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const bool afterC3 = i > 0 && static_cast<unsigned char>(text[i - 1]) == 0xC3;
+        if (byte >= 'A' && byte <= 'Z') text[i] = static_cast<char>(byte + 32);
+        if (afterC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97) text[i] = static_cast<char>(byte + 0x20);
+    }
+    return text;
+}
+
+bool isFileSystemRoot(const std::string& folder) {
+    return parentPath(folder) == folder || parentPath(folder).empty() || folder.size() <= 3;
+}
+
+bool isOfTheSystem(const std::string& folder) {
+    return folder == "/proc" || folder == "/sys" || folder == "/dev";
+}
+
+} // namespace
+
+SampleSearch::SampleSearch(Places places, Limits limits, std::function<bool()> goOn, const Clock& clock)
+    : places_(std::move(places))
+    , limits_(limits)
+    , goOn_(std::move(goOn))
+    , clock_(clock) {}
+
+std::string SampleSearch::find(const std::string& missingPath) {
+    std::string path = missingPath;
+#ifdef _WIN32
+    if (!path.empty() && path.front() == '/') path = "c:" + path; // kept from where there are no drives
+#endif
+    const std::string name = fileName(path);
+    if (name.empty()) return {};
+    std::string found = findBelow(parentPath(path), name, false);
+    if (found.empty() && !places_.chosenFolder.empty()) found = findBelow(places_.chosenFolder, name, true);
+    if (found.empty() && places_.chosenFolder.empty()) found = findBelow(places_.homeFolder, name, false);
+    return found;
+}
+
+bool SampleSearch::mayWalk(const std::string& folder, bool chosen) const {
+    return chosen || (!folder.empty() && !isFileSystemRoot(folder) && !isOfTheSystem(folder));
+}
+
+std::string SampleSearch::findBelow(const std::string& folder, const std::string& name, bool chosen) {
+    if (!mayWalk(folder, chosen)) return {};
+    const auto [place, isNew] = walks_.try_emplace(folder);
+    Walk& walk = place->second;
+    if (isNew) {
+        walk.chosen = chosen;
+        walk.waiting.push_back(folder);
+    }
+    auto exact = walk.byName.find(name);
+    while (exact == walk.byName.end() && stepInto(walk))
+        exact = walk.byName.find(name);
+    if (exact != walk.byName.end()) return exact->second;
+    const auto similar = walk.byFoldedName.find(folded(name));
+    return similar == walk.byFoldedName.end() ? std::string() : similar->second;
+}
+
+// Reads one more folder. False when there is none, or the search is to end.
+bool SampleSearch::stepInto(Walk& walk) {
+    const bool limited = !(walk.chosen && limits_.chosenIsFree);
+    if (walk.waiting.empty() || (goOn_ && !goOn_()) || (limited && spentMs_ >= limits_.totalMs)) return false;
+    const double begin = clock_.nowMs();
+    const std::string folder = std::move(walk.waiting.back());
+    walk.waiting.pop_back();
+    const auto entries = listFolder(folder);
+    for (const FolderEntry& entry : entries) {
+        if (!entry.isFile) continue;
+        walk.byName.emplace(entry.name, joinPath(folder, entry.name));
+        walk.byFoldedName.emplace(folded(entry.name), joinPath(folder, entry.name));
+    }
+    // Backwards, since the last one is taken first. Links are not followed.
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+        if (entry->isFolder && !entry->isLink && !isOfTheSystem(joinPath(folder, entry->name)))
+            walk.waiting.push_back(joinPath(folder, entry->name));
+    if (limited) spentMs_ += clock_.nowMs() - begin;
+    return true;
+}
+
+} // namespace zarno

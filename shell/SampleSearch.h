@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace zarno {
+
+/// Looks for the missing samples of one load by their file names: below the folder where each should be, then
+/// below the folder that the user chose once. What a walk has seen is remembered, so that any number of
+/// samples in one place cost one walk. One thread at a time.
+class SampleSearch {
+  public:
+    struct Places {
+        std::string chosenFolder; ///< by the user; empty when there is none yet
+        std::string homeFolder;   ///< looked into when nothing was chosen; empty: nowhere
+    };
+    /// All walks of one search together; of places that nobody chose only, when `chosenIsFree`.
+    struct Limits {
+        double totalMs = 2000.0;
+        bool chosenIsFree = false;
+    };
+
+    /// `goOn` is asked at every folder.
+    SampleSearch(Places places, Limits limits, std::function<bool()> goOn,
+                 const Clock& clock = systemClock());
+
+    /// The full path of a file with the name of `missingPath`; one that differs only in case when no other is
+    /// there; empty when nothing is found.
+    std::string find(const std::string& missingPath);
+
+  private:
+    struct Walk {
+        std::vector<std::string> waiting; // folders, the next one last
+        std::unordered_map<std::string, std::string> byName, byFoldedName;
+        bool chosen = false;
+    };
+
+    std::string findBelow(const std::string& folder, const std::string& name, bool chosen);
+    bool mayWalk(const std::string& folder, bool chosen) const;
+    bool stepInto(Walk& walk);
+
+    const Places places_;
+    const Limits limits_;
+    const std::function<bool()> goOn_;
+    const Clock& clock_;
+    std::map<std::string, Walk> walks_;
+    double spentMs_ = 0.0;
+};
+
+} // namespace zarno

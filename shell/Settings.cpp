@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/Settings.h"
+
+namespace zarno {
+namespace {
+
+constexpr int patienceMs = 1000; // for another program that is writing
+
+// Held for a whole read-change-write. The system's lock keeps programs apart, the other one the instances
+// within this one.
+class WriteLock {
+  public:
+    WriteLock()
+        : hold_(withinProcess())
+        , has_(betweenProcesses().enter(patienceMs)) {}
+    ~WriteLock() {
+        if (has_) betweenProcesses().exit();
+    }
+    WriteLock(const WriteLock&) = delete;
+    WriteLock& operator=(const WriteLock&) = delete;
+
+  private:
+    static juce::CriticalSection& withinProcess() {
+        static juce::CriticalSection lock;
+        return lock;
+    }
+    static juce::InterProcessLock& betweenProcesses() {
+        static juce::InterProcessLock lock("Zarno Sampler Player settings");
+        return lock;
+    }
+
+    const juce::ScopedLock hold_;
+    const bool has_;
+};
+
+} // namespace
+
+Settings::Settings(const juce::File& file) {
+    if (file != juce::File())
+        file_ = std::make_unique<juce::PropertiesFile>(file, juce::PropertiesFile::Options());
+}
+
+Settings::~Settings() {
+    if (!file_) return;
+    const juce::ScopedLock hold(file_->getLock());
+    file_->saveIfNeeded();
+}
+
+juce::String Settings::get(const juce::String& key, const juce::String& fallback) const {
+    return file_ ? file_->getValue(key, fallback) : fallback;
+}
+
+void Settings::set(const juce::String& key, const juce::String& value) {
+    if (!file_) return;
+    const WriteLock lock;
+    file_->reload();
+    file_->setValue(key, value);
+    file_->saveIfNeeded();
+}
+
+} // namespace zarno

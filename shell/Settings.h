@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <juce_data_structures/juce_data_structures.h>
+
+#include <memory>
+
+namespace zarno {
+
+/// Texts kept per user in one small file, shared by all instances: each change is written at once, on top of
+/// what others have written meanwhile. Any thread.
+class Settings {
+  public:
+    /// An invalid file gives settings that keep nothing.
+    explicit Settings(const juce::File& file);
+    ~Settings();
+
+    juce::String get(const juce::String& key, const juce::String& fallback = {}) const;
+    void set(const juce::String& key, const juce::String& value);
+
+  private:
+    std::unique_ptr<juce::PropertiesFile> file_;
+};
+
+} // namespace zarno
