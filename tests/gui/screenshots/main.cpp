@@ -1,0 +1,161 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// Pictures of the window for documents and for eyes: the real window over a stand-in for the processor, on
+// whatever screen there is. Everything that is open is drawn into one picture, menus included.
+//
+//   zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER     (layout.xml and panel.png of an example panel)
+#include "gui/CLookAndFeel.h"
+#include "gui/CZSPGUI.h"
+#include "tests/gui/support/FakeLink.h"
+
+#include <functional>
+#include <iostream>
+
+namespace zarno {
+namespace {
+
+void fillEngine(FakeLink& link) {
+    auto& engine = link.instrument;
+    engine.clear();
+    engine.texts().name = "Lantern Tines";
+    engine.texts().path = "/Lantern Tines.zse";
+    int keyswitch = 36;
+    for (const char* name : {"Sustained", "Muted"}) {
+        auto& group = engine.createGroup(name);
+        group.record.trigger = static_cast<std::int32_t>(GroupTrigger::Note);
+        group.record.keyswitchNote = keyswitch++;
+        auto zone = std::make_unique<ZZone>();
+        zone->record.lowKey = 41;
+        zone->record.highKey = 88;
+        zone->record.highVelocity = 127;
+        group.addZone(std::move(zone));
+    }
+    engine.groups()[0]->record.attack = -180.0f;
+    engine.groups()[0]->record.release = 300.0f;
+    engine.settings().volume = -6.0f;
+    engine.activateGroup(engine.groups()[0].get());
+    link.titles = {"Lantern Tines", "Glass Bells", "Harbour Organ", "Felt Upright"};
+    link.index = 0;
+    ++link.loads;
+    ++link.groups;
+}
+
+class Session final : private juce::Timer {
+  public:
+    Session(juce::File output, juce::File example)
+        : output_(std::move(output))
+        , example_(std::move(example)) {
+        lookAndFeel_.install();
+        fillEngine(link_);
+        window_ = std::make_unique<CZSPGUI>(processor_, link_);
+        window_->setOpaque(true);
+        window_->addToDesktop(juce::ComponentPeer::windowHasTitleBar);
+        window_->setTopLeftPosition(40, 80);
+        window_->setVisible(true);
+        window_->toFront(true);
+        window_->panel().keyboardState().noteOn(1, 60, 0.8f);
+        window_->panel().keyboardState().noteOn(1, 66, 0.8f);
+        steps_ = {{"default", [] {}},
+                  {"instrument-menu", [this] { window_->showInstrumentMenu(window_->statusBar()); }},
+                  {"group-menu", [this] { window_->showGroupMenu(window_->statusBar()); }},
+                  {"instrument-list", [this] { window_->openInstrumentList(); }},
+                  {"loading", [this] { load(0.4); }},
+                  {"missing-samples", [this] { miss(); }},
+                  {"example", [this] { showExample(); }},
+                  {"zoom-200", [this] { zoom(); }}};
+        startTimer(500);
+    }
+
+    bool isGood() const { return isGood_; }
+
+  private:
+    void load(double progress) {
+        window_->openInstrumentList();
+        link_.loading = true;
+        link_.progress = progress;
+        window_->loadingStarted();
+    }
+    void miss() {
+        link_.loading = false;
+        link_.missing.notFound = {"tine-041-soft.wav", "tine-041-loud.wav"};
+        link_.missing.unsupported = {"noise.aif"};
+        window_->loadingFinished();
+        window_->showMissingMenu(window_->statusBar());
+    }
+    void showExample() {
+        link_.missing = {};
+        juce::MemoryBlock picture;
+        example_.getChildFile("panel.png").loadFileAsData(picture);
+        auto& texts = link_.instrument.texts();
+        texts.layout = example_.getChildFile("layout.xml").loadFileAsString().toStdString();
+        texts.panelImage.assign(picture.begin(), picture.end());
+        isGood_ = isGood_ && !texts.layout.empty() && !texts.panelImage.empty();
+        window_->loadingFinished();
+    }
+    void zoom() {
+        link_.instrument.texts().layout.clear();
+        link_.instrument.texts().panelImage.clear();
+        window_->loadingFinished();
+        window_->setZoom(200);
+    }
+
+    void timerCallback() override {
+        if (isShown_) {
+            save(steps_[step_++].first);
+            juce::PopupMenu::dismissAllActiveMenus();
+        } else if (step_ == steps_.size()) {
+            stopTimer();
+            window_ = nullptr;
+            juce::MessageManager::getInstance()->stopDispatchLoop();
+            return;
+        } else {
+            steps_[step_].second();
+        }
+        isShown_ = !isShown_;
+    }
+
+    void save(const juce::String& name) {
+        auto& desktop = juce::Desktop::getInstance();
+        juce::Rectangle<int> all = window_->getScreenBounds();
+        for (int i = 0; i < desktop.getNumComponents(); ++i)
+            all = all.getUnion(desktop.getComponent(i)->getScreenBounds());
+        juce::Image image(juce::Image::RGB, all.getWidth(), all.getHeight(), true);
+        juce::Graphics g(image);
+        g.fillAll(juce::Colours::white);
+        for (int i = 0; i < desktop.getNumComponents(); ++i) {
+            auto* part = desktop.getComponent(i);
+            const auto place = part->getScreenPosition() - all.getPosition();
+            g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds()), place.x, place.y);
+        }
+        juce::FileOutputStream file(output_.getChildFile(name + ".png"));
+        file.setPosition(0);
+        file.truncate();
+        isGood_ = isGood_ && juce::PNGImageFormat().writeImageToStream(image, file);
+        std::cout << name << ".png " << image.getWidth() << " x " << image.getHeight() << "\n";
+    }
+
+    juce::File output_, example_;
+    CLookAndFeel lookAndFeel_;
+    SilentProcessor processor_;
+    FakeLink link_;
+    std::unique_ptr<CZSPGUI> window_;
+    std::vector<std::pair<const char*, std::function<void()>>> steps_;
+    std::size_t step_ = 0;
+    bool isShown_ = false, isGood_ = true;
+};
+
+} // namespace
+} // namespace zarno
+
+int main(int count, char** arguments) {
+    if (count != 3) {
+        std::cerr << "zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER\n";
+        return 2;
+    }
+    const auto here = juce::File::getCurrentWorkingDirectory();
+    const auto output = here.getChildFile(arguments[1]);
+    output.createDirectory();
+    const juce::ScopedJuceInitialiser_GUI framework;
+    zarno::Session session(output, here.getChildFile(arguments[2]));
+    juce::MessageManager::getInstance()->runDispatchLoop();
+    return session.isGood() ? 0 : 1;
+}
