@@ -24,7 +24,9 @@ CZSP::CZSP()
     , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
     library_ = Library::scan({libraryFolderBeside(modulePath()), userLibraryFolder()});
-    lookAndFeel_ = std::make_unique<CLookAndFeel>();
+    auto lookAndFeel = std::make_unique<CLookAndFeel>();
+    lookAndFeel->install();
+    lookAndFeel_ = std::move(lookAndFeel);
     engine_.setDelegate(this);
     if (!library_.entries.empty()) selectInstrument(0, {}, false, true);
 }
