@@ -135,17 +135,19 @@ TEST(EventsAndBlocks, OfflineTheBlockSizeChangesNothing) {
     }
 }
 
-TEST(EventsAndBlocks, TwoThreadsLoseNothingAndKeepTheirOwnOrder) {
-    constexpr std::uint32_t each = 60000;
+// Every caller numbers its events.
+void postFromManyThreads() {
+    constexpr std::uint32_t each = 20000, callers = 4;
     EventQueue queue;
-    std::atomic<int> running{2};
-    const auto post = [&](std::uint8_t channel) {
-        for (std::uint32_t n = 0; n < each; ++n)
-            queue.push({channel, 0, 0, n});
-        --running;
-    };
-    std::thread first(post, std::uint8_t{0}), second(post, std::uint8_t{1});
-    std::uint32_t next[2] = {0, 0};
+    std::atomic<std::uint32_t> running{callers};
+    std::vector<std::thread> threads;
+    for (std::uint8_t caller = 0; caller < callers; ++caller)
+        threads.emplace_back([&queue, &running, caller] {
+            for (std::uint32_t n = 0; n < each; ++n)
+                queue.push({caller, 0, 0, n});
+            --running;
+        });
+    std::uint32_t next[callers] = {};
     bool inOrder = true;
     std::vector<EngineEvent> events;
     for (bool last = false; !last;) {
@@ -154,13 +156,18 @@ TEST(EventsAndBlocks, TwoThreadsLoseNothingAndKeepTheirOwnOrder) {
         queue.moveTo(events);
         for (const EngineEvent& event : events)
             inOrder &= event.sampleOffset == next[event.channel()]++;
-        if (next[0] % 3 == 0) std::this_thread::yield(); // now and then the ring overflows
+        std::this_thread::yield(); // now and then the ring overflows
     }
-    first.join();
-    second.join();
+    for (std::thread& thread : threads)
+        thread.join();
     EXPECT_TRUE(inOrder);
-    EXPECT_EQ(next[0], each);
-    EXPECT_EQ(next[1], each);
+    for (const std::uint32_t count : next)
+        EXPECT_EQ(count, each);
+}
+
+TEST(EventsAndBlocks, CallersLoseNothingAndKeepTheirOwnOrder) {
+    for (int round = 0; round < 20 && !HasFailure(); ++round)
+        postFromManyThreads();
 }
 
 TEST(EventsAndBlocks, WarmedUpNothingIsAllocated) {

@@ -65,7 +65,7 @@ std::vector<double> seconds(float rate) {
     zone.record.loopMode = 2;
     t.noteOn(60);
     int attack = 0;
-    while (t.next() < 1)
+    while (attack < 200000 && t.next() < 1)
         ++attack;
     t.noteOff(60);
     const int release = t.framesUntilSilence();
@@ -73,7 +73,7 @@ std::vector<double> seconds(float rate) {
     t.render(static_cast<int>(rate / 2));
     t.noteOn(62);
     int fade = 0;
-    for (float level = 1, last = 2; level < last; ++fade) {
+    for (float level = 1, last = 2; level < last && fade < 200000; ++fade) {
         last = level;
         level = t.next();
     }
