@@ -128,6 +128,8 @@ TEST_F(HostileInstruments, AllThatASmallFileCanAskFor) {
             record.startFrame = file.groups[1].zones.size() % 30; // a preload of its own
         }
         ASSERT_NO_FATAL_FAILURE(loadAndPlay(file.bytes()));
+        file.imageSize = INT32_MAX;
+        ASSERT_NO_FATAL_FAILURE(loadAndPlay(file.bytes()));
     }
     expectLittleMemory();
 }

@@ -15,6 +15,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cmath>
+#include <limits>
 #include <random>
 
 namespace zarno {
@@ -112,6 +114,8 @@ TEST_F(PackUnpack, KeepWhatIsOdd) {
     file.name = "\xfc not UTF-8", file.groups[0].name = std::string("\x01\x80", 2);
     file.image = "no picture", file.licences = {"\xff"};
     file.settings.polyphony = 5, file.settings.streaming = 0, file.settings.sixteenBit = 0;
+    file.settings.volume = std::numeric_limits<float>::infinity(), file.settings.pan = -0.0f;
+    file.settings.lfoRate = std::numeric_limits<float>::quiet_NaN();
     file.settings.unread[100] = 1;
     file.groups[2].record.unread[499] = 2;
     EXPECT_EQ(throughFolder(file.bytes() + std::string("behind\0it", 9)),
