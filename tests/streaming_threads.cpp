@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Many instruments, one disk thread. Worth most under the thread sanitizer.
 #include "data/load/InstrumentLoader.h"
+#include "tests/support/AllocationCount.h"
 #include "tests/support/Chance.h"
 #include "tests/support/InstrumentBuilder.h"
 #include "tests/support/StreamingInstrument.h"
@@ -58,6 +59,23 @@ class Streaming {
     Chance chance_;
     TestInstrument played_{8};
 };
+
+TEST(StreamingThreads, TheAudioThreadTakesNoMemory) {
+    Streaming streaming(1, 0);
+    std::vector<float> left(256), right(256);
+    float* outputs[] = {left.data(), right.data()};
+    const auto play = [&](int blocks) {
+        for (int i = 0; i < blocks; ++i) {
+            streaming.engine().postEvent(midi::noteOn, 0, 50 + i % 30, 100, 7);
+            streaming.engine().renderBlock(outputs, 2, 256);
+        }
+    };
+    play(20);
+    const std::size_t before = allocationsOfThisThread();
+    play(500);
+    EXPECT_EQ(allocationsOfThisThread(), before);
+    EXPECT_GT(streaming.engine().streamStats().refills, 10u);
+}
 
 std::string streamingFile(const test::TempFolder& folder) {
     folder.write("a.wav", test::rampWave(20000));
@@ -132,7 +150,8 @@ TEST(StreamingThreads, ThereIsOneWhileThereAreInstruments) {
         const ZInstrument second;
         first->setLoading(true);
         first.reset();
-        std::this_thread::sleep_for(std::chrono::milliseconds(1)); // it names itself when it runs
+        while (diskThreads() == 0) // it names itself when it runs
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
         EXPECT_EQ(diskThreads(), 1);
     }
     EXPECT_EQ(diskThreads(), 0);

@@ -75,6 +75,12 @@ std::uint64_t ZWaveFile::readChunk(Out* destination, std::uint64_t frames) {
     return got;
 }
 
+// The frames lie in the file as they are wanted in memory.
+bool ZWaveFile::isPlain16Bit() const {
+    return header_.bytesPerSample == 2 &&
+           header_.bytesPerFrame == static_cast<std::uint32_t>(2 * header_.channels);
+}
+
 template <typename Out>
 std::uint64_t ZWaveFile::readFrames(Out* destination, std::uint64_t frames) {
     if (!isOpen() || frame_ >= header_.frames) return 0;
@@ -89,7 +95,14 @@ std::uint64_t ZWaveFile::readFrames(Out* destination, std::uint64_t frames) {
 }
 
 std::uint64_t ZWaveFile::readShort(std::int16_t* destination, std::uint64_t frames) {
-    return readFrames(destination, frames);
+    if (!isPlain16Bit()) return readFrames(destination, frames);
+    if (!isOpen() || frame_ >= header_.frames) return 0;
+    const std::uint64_t frameBytes = header_.bytesPerFrame;
+    const auto bytes = static_cast<std::size_t>(std::min(frames, header_.frames - frame_) * frameBytes);
+    const std::uint64_t got =
+        file_.readAt(header_.dataOffset + frame_ * frameBytes, destination, bytes) / frameBytes;
+    frame_ += got;
+    return got;
 }
 
 std::uint64_t ZWaveFile::readFloat(float* destination, std::uint64_t frames) {

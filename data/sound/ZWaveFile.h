@@ -48,6 +48,7 @@ class ZWaveFile final : public ZSoundFile {
     std::uint64_t readFrames(Out* destination, std::uint64_t frames);
     template <typename Out>
     std::uint64_t readChunk(Out* destination, std::uint64_t frames);
+    bool isPlain16Bit() const;
 
     File file_;
     std::string path_;

@@ -20,7 +20,7 @@ void StreamBuffer::write(const ChunkTarget& chunk) {
     const std::size_t bytes = 2 * before + static_cast<std::size_t>(chunk.frames) * chunk.frameBytes();
     const auto* from = static_cast<const std::byte*>(chunk.frame0) - before;
     Word* to = words() - before / sizeof(Word);
-    // Mono frames of 16 bits may end in half a word; both sides have room for a whole one.
+    // The last frame may end within a word; both sides have room for a whole one.
     for (std::size_t at = 0; at < bytes; at += sizeof(Word)) {
         Word word;
         std::memcpy(&word, from + at, sizeof word);
@@ -28,22 +28,21 @@ void StreamBuffer::write(const ChunkTarget& chunk) {
     }
 }
 
-StreamBuffer::Word StreamBuffer::load(std::int64_t word) const {
-    return std::atomic_ref<Word>(words()[word]).load(std::memory_order_relaxed);
+// The bits that begin at this byte of the buffer, the low ones of the result.
+StreamBuffer::Word StreamBuffer::bitsAt(std::int64_t byte) const {
+    constexpr std::int64_t wordBytes = sizeof(Word);
+    const Word word = std::atomic_ref<Word>(words()[byte / wordBytes]).load(std::memory_order_relaxed);
+    return word >> (8 * (byte % wordBytes));
+}
+
+float StreamBuffer::sampleAt(std::int64_t sample) const {
+    if (!isSixteenBit()) return std::bit_cast<float>(static_cast<std::uint32_t>(bitsAt(sample * 4)));
+    return static_cast<float>(static_cast<std::int16_t>(bitsAt(sample * 2) & 0xFFFF)) * sixteenBitScale;
 }
 
 void StreamBuffer::readFrame(std::int64_t index, bool mono, float& left, float& right) const {
-    if (!isSixteenBit()) {
-        left = std::bit_cast<float>(load(mono ? index : 2 * index));
-        right = mono ? left : std::bit_cast<float>(load(2 * index + 1));
-        return;
-    }
-    const auto sample = [](Word bits) {
-        return static_cast<float>(static_cast<std::int16_t>(bits & 0xFFFF)) * sixteenBitScale;
-    };
-    const Word word = load(mono ? index / 2 : index);
-    left = sample(mono && index % 2 != 0 ? word >> 16 : word);
-    right = mono ? left : sample(word >> 16);
+    left = sampleAt(mono ? index : 2 * index);
+    right = mono ? left : sampleAt(2 * index + 1);
 }
 
 } // namespace zarno

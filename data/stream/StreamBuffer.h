@@ -28,10 +28,11 @@ class StreamBuffer {
     const void* frame0() const { return words(); }
 
   private:
-    using Word = std::uint32_t;
+    using Word = std::uint64_t;
 
     Word* words() const { return static_cast<Word*>(frame0_); }
-    Word load(std::int64_t word) const;
+    Word bitsAt(std::int64_t byte) const;
+    float sampleAt(std::int64_t sample) const;
 
     SampleMemory memory_;
     void* frame0_ = nullptr;

@@ -5,6 +5,7 @@
 #include "engine/SampleMemory.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstring>
 #include <functional>
 #include <memory>
@@ -19,7 +20,7 @@ class MemorySound : public ZSoundFile {
         , rate_(rate) {}
 
     std::function<void(std::uint64_t frames)> onRead; // on the reading thread, before each read
-    bool absent = false;                              // does not open again
+    std::atomic<bool> absent{false};                  // does not open again
     const SampleMemory& memory() const { return *frames_; }
 
     bool open(const std::string&, std::shared_ptr<const File>, std::uint64_t) override { return reopen(); }
