@@ -46,6 +46,10 @@ class File {
     /// sample for the sake of its first chunk. No effect on Windows.
     void adviseRandom() const;
 
+    /// Tells the system that these bytes will be read soon; it fetches them while the caller goes on. No
+    /// effect on Windows.
+    void adviseNeeded(std::uint64_t offset, std::uint64_t count) const;
+
   private:
     static constexpr std::intptr_t closed = -1;
 

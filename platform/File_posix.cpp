@@ -3,6 +3,7 @@
 
 #include "platform/Utf8.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <limits>
@@ -64,6 +65,14 @@ std::size_t File::readAt(std::uint64_t offset, void* destination, std::size_t co
 
 void File::adviseRandom() const {
     if (isOpen()) ::posix_fadvise(static_cast<int>(handle_), 0, 0, POSIX_FADV_RANDOM);
+}
+
+void File::adviseNeeded(std::uint64_t offset, std::uint64_t count) const {
+    // What begins behind the end is not there; a count of 0 would mean all the rest.
+    if (!isOpen() || offset >= size_ || count == 0) return;
+    const std::uint64_t bytes = std::min(count, size_ - offset);
+    ::posix_fadvise(static_cast<int>(handle_), static_cast<off_t>(offset), static_cast<off_t>(bytes),
+                    POSIX_FADV_WILLNEED);
 }
 
 } // namespace zarno

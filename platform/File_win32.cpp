@@ -65,4 +65,6 @@ std::size_t File::readAt(std::uint64_t offset, void* destination, std::size_t co
 
 void File::adviseRandom() const {}
 
+void File::adviseNeeded(std::uint64_t, std::uint64_t) const {}
+
 } // namespace zarno

@@ -4,13 +4,16 @@
 #include "data/Bytes.h"
 #include "data/load/InstrumentFile.h"
 #include "data/load/LicenceCheck.h"
+#include "data/load/ReadAhead.h"
 #include "data/load/SamplePath.h"
 #include "data/load/ZoneBuilder.h"
+#include "data/stream/StreamPoints.h"
 #include "engine/InstrumentContents.h"
 #include "engine/ZInstrument.h"
 #include "platform/File.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
 #include <new>
 
 namespace zarno {
@@ -52,6 +55,8 @@ class Load {
 
   private:
     bool fail(const char* reason);
+    std::string samplePath(const ZoneEntry& zone) const;
+    void planReadAhead();
     bool makeZone(ZGroup& group, const GroupEntry& entry, std::size_t zoneIndex, std::size_t groupIndex);
     std::unique_ptr<ZZone> openZone(const std::string& sampleName, const std::string& samplePath,
                                     const ZoneEntry& entry);
@@ -67,6 +72,8 @@ class Load {
     std::shared_ptr<const File> file_;
     InstrumentFile contents_;
     ZoneBuilder builder_{target_.settings, [this] { return report(); }};
+    ReadAhead ahead_;
+    std::size_t zonesMade_ = 0;
     int failedSearches_ = 0;
 
     // What progress says at the moment.
@@ -120,7 +127,29 @@ bool Load::isAllowed() {
            fail("the licence does not allow it");
 }
 
+std::string Load::samplePath(const ZoneEntry& zone) const {
+    return fromBackslashForm(resolveSamplePath(std::string(zone.sample.text()), instrumentPath_));
+}
+
+// Preloads are small pieces of many files, or of one large file.
+void Load::planReadAhead() {
+    const InstrumentSettings& settings = target_.settings;
+    if (settings.streaming == 0) return;
+    const std::uint64_t stereoFrame = settings.sixteenBit != 0 ? 4 : 8;
+    const std::uint64_t bytes = static_cast<std::uint64_t>(chunkFramesInUse(settings)) * stereoFrame;
+    constexpr std::uint64_t furthestFrame = std::uint64_t{1} << 40;
+    for (const GroupEntry& group : contents_.groups)
+        for (const ZoneEntry& zone : group.zones) {
+            const std::uint64_t start = std::min(zone.record.startFrame, furthestFrame) * stereoFrame;
+            if (contents_.isEmbedded())
+                ahead_.add(file_, contents_.blocks[zone.block].position + start, bytes);
+            else
+                ahead_.add(samplePath(zone), start, bytes);
+        }
+}
+
 bool Load::makeGroups() {
+    planReadAhead();
     for (std::size_t g = 0; g < contents_.groups.size(); ++g) {
         const GroupEntry& entry = contents_.groups[g];
         groupName_ = entry.name.text();
@@ -137,13 +166,14 @@ bool Load::makeGroups() {
 bool Load::makeZone(ZGroup& group, const GroupEntry& entry, std::size_t zoneIndex, std::size_t groupIndex) {
     const ZoneEntry& stored = entry.zones[zoneIndex];
     sampleName_ = stored.sample.text();
-    const std::string samplePath = fromBackslashForm(resolveSamplePath(sampleName_, instrumentPath_));
-    auto zone = openZone(sampleName_, samplePath, stored);
+    const std::string path = samplePath(stored);
+    ahead_.reach(zonesMade_++);
+    auto zone = openZone(sampleName_, path, stored);
     fraction_ = fractionDone(entry, zoneIndex, groupIndex);
     if (!report() || builder_.wasStopped()) return false;
 
     const bool elsewhere = !zone->valid;
-    if (elsewhere) zone = locateElsewhere(samplePath);
+    if (elsewhere) zone = locateElsewhere(path);
     if (builder_.wasStopped()) return false;
     if (!zone) return true;
     zone->record = stored.record;
