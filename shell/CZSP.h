@@ -115,8 +115,8 @@ class CZSP final : public juce::AudioProcessor,
     bool choose(int& index, juce::String& target, bool reapply);
     void startLoading();
     void loadNow();
-    void load();
-    LoadResult readAndTakeOver(const juce::String& path);
+    void load(bool inBackground);
+    LoadResult readAndTakeOver(const juce::String& path, bool inBackground);
     void endLoad();
     void applyPendingState();
     void makeOnlyActiveGroup(std::int32_t index);

@@ -15,8 +15,10 @@ LoadJob::LoadJob(Request request)
 std::shared_ptr<LoadJob> LoadJob::start(Request request) {
     auto job = std::make_shared<LoadJob>(std::move(request));
     // The thread holds the job only when it was left behind: see abandon.
+    using Priority = WorkerThread::Priority;
+    const auto priority = job->request_.background ? Priority::lowest : Priority::normal;
     const bool started = job->thread_.start(
-        "ZSP Reader", [raw = job.get()] { raw->read(); }, WorkerThread::Priority::lowest);
+        "ZSP Reader", [raw = job.get()] { raw->read(); }, priority);
     return started ? job : nullptr;
 }
 

@@ -23,6 +23,7 @@ class LoadJob final : private ZSEDelegate {
         std::string licenceText;
         SampleSearch::Places places;
         SampleSearch::Limits limits;
+        bool background = false; ///< at the lowest priority: nobody is held up by this load
     };
     /// Null when the system has no thread left.
     static std::shared_ptr<LoadJob> start(Request request);

@@ -84,20 +84,20 @@ void CZSP::loadNow() {
         progress_ = -1.0;
         break;
     }
-    load();
+    load(false);
     endLoad();
 }
 
 void CZSP::run() {
-    load();
+    load(true);
     endLoad();
 }
 
-void CZSP::load() {
+void CZSP::load(bool inBackground) {
     const juce::String path = currentPath();
     suspendProcessing(true);
     engine_.setLoading(true);
-    const LoadResult result = readAndTakeOver(path);
+    const LoadResult result = readAndTakeOver(path, inBackground);
     lastLoadSucceeded_ = result.loaded;
     {
         const juce::ScopedLock hold(lock_);
@@ -110,12 +110,13 @@ void CZSP::load() {
     applyPendingState();
 }
 
-LoadResult CZSP::readAndTakeOver(const juce::String& path) {
+LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
     using Clock = std::chrono::steady_clock;
     auto job = LoadJob::start({path.toStdString(),
                                settings_.get(path).toStdString(),
                                {settings_.get("missing folder").toStdString(), homeFolder()},
-                               {}});
+                               {},
+                               inBackground});
     if (!job) return {};
     auto cancelledAt = Clock::time_point::max();
     for (;;) {

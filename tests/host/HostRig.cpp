@@ -21,6 +21,7 @@ void hideUserFolders(const std::string& folder) {
 #ifdef _WIN32
     (void) folder; // what asks for them finds those of a Wine folder that is ours alone
 #else
+    ::setenv("DISPLAY", ":65000", 1); // none: these tests open no window
     ::setenv("XDG_DATA_HOME", (folder + "/data").c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder + "/config").c_str(), 1);
 #endif

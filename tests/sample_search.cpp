@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "shell/SampleSearch.h"
+#include "tests/support/TempFolder.h"
+
+#include "platform/Paths.h"
+
+#include <gtest/gtest.h>
+
+namespace zarno::test {
+namespace {
+
+class SampleSearching : public testing::Test {
+  protected:
+    TempFolder folder;
+    int stepsLeft = 1000000;
+    int stepsTaken = 0;
+    ManualClock clock{1.0};
+
+    SampleSearch search(const std::string& chosen, const std::string& home = {}) {
+        return SampleSearch(
+            {chosen, home}, {}, [this] { return ++stepsTaken <= stepsLeft; }, clock);
+    }
+    std::string at(const std::string& name) const {
+        return std::filesystem::path(folder / name).make_preferred().string();
+    }
+};
+
+TEST_F(SampleSearching, BelowItsOwnFolderFirstThenBelowTheChosenOne) {
+    folder.write("own/deep/er/C4.wav", "own");
+    folder.write("chosen/x/C4.wav", "chosen");
+    folder.write("chosen/x/D4.wav", "chosen");
+    auto searching = search(at("chosen"), at("home"));
+    EXPECT_EQ(searching.find(at("own/C4.wav")), at("own/deep/er/C4.wav"));
+    EXPECT_EQ(searching.find(at("own/D4.wav")), at("chosen/x/D4.wav"));
+    EXPECT_EQ(searching.find(at("own/E4.wav")), "");
+    EXPECT_EQ(searching.find(""), "");
+}
+
+TEST_F(SampleSearching, HomeIsLookedIntoOnlyWhenNothingWasChosen) {
+    folder.write("home/a/C4.wav", "");
+    folder.write("chosen/D4.wav", "");
+    EXPECT_EQ(search("", at("home")).find(at("gone/C4.wav")), at("home/a/C4.wav"));
+    EXPECT_EQ(search(at("chosen"), at("home")).find(at("gone/C4.wav")), "");
+}
+
+// What separates patterns elsewhere is a letter like any other here; an exact match goes before one in
+// another case.
+TEST_F(SampleSearching, NamesAreComparedAsTheyAre) {
+    folder.write("chosen/a/Piano, C4; soft*.wav", "");
+    folder.write("chosen/a/LOUD \xC3\x9C.WAV", "");
+    folder.write("chosen/b/kick.wav", "");
+    folder.write("chosen/z/Kick.wav", "");
+    auto searching = search(at("chosen"));
+#ifndef _WIN32
+    EXPECT_EQ(searching.find("/gone/Piano, C4; soft*.wav"), at("chosen/a/Piano, C4; soft*.wav"));
+#endif
+    EXPECT_EQ(searching.find("/gone/*.wav"), "");
+    EXPECT_EQ(searching.find("/gone/loud \xC3\xBC.wav"), at("chosen/a/LOUD \xC3\x9C.WAV"));
+    EXPECT_EQ(searching.find("/gone/Kick.wav"), at("chosen/z/Kick.wav"));
+    EXPECT_EQ(searching.find("/gone/KICK.wav"), at("chosen/b/kick.wav"));
+}
+
+TEST_F(SampleSearching, AThousandSamplesCostOneWalk) {
+    for (int i = 0; i < 1000; ++i)
+        folder.write("chosen/" + std::to_string(i % 20) + "/" + std::to_string(i) + ".wav", "");
+    auto searching = search(at("chosen"));
+    for (int i = 0; i < 1000; ++i)
+        EXPECT_NE(searching.find("/gone/" + std::to_string(i) + ".wav"), "");
+    EXPECT_EQ(searching.find("/gone/1000.wav"), "");
+    EXPECT_LE(stepsTaken, 30);
+}
+
+TEST_F(SampleSearching, EndsWhenToldOrOutOfTime) {
+    for (int i = 0; i < 50; ++i)
+        folder.write("chosen/" + std::to_string(i) + "/x.wav", "");
+    stepsLeft = 10;
+    EXPECT_EQ(search(at("chosen")).find("/gone/y.wav"), "");
+    EXPECT_LE(stepsTaken, 12);
+
+    stepsLeft = 1000000;
+    stepsTaken = 0;
+    SampleSearch slow(
+        {at("chosen"), ""}, {},
+        [this] {
+            ++stepsTaken;
+            return true;
+        },
+        systemClock());
+    EXPECT_EQ(slow.find("/gone/y.wav"), "");
+    EXPECT_GT(stepsTaken, 50);
+    SampleSearch noTime({at("chosen"), ""}, {0.0, false}, {}, clock);
+    EXPECT_EQ(noTime.find("/gone/x.wav"), "");
+    SampleSearch free({at("chosen"), ""}, {0.0, true}, {}, clock);
+    EXPECT_NE(free.find("/gone/x.wav"), "") << "the user chose this place and may wait";
+}
+
+#ifndef _WIN32
+TEST_F(SampleSearching, LinksAndRootsAreNotWalked) {
+    folder.write("elsewhere/C4.wav", "");
+    std::filesystem::create_directories(folder / "chosen");
+    std::filesystem::create_directory_symlink(folder / "elsewhere", folder / "chosen/link");
+    std::filesystem::create_directory_symlink(folder / "chosen", folder / "chosen/circle");
+    EXPECT_EQ(search(at("chosen")).find("/gone/C4.wav"), "");
+    stepsTaken = 0;
+    EXPECT_EQ(search("", "/").find("/no such file as this.wav"), "");
+    EXPECT_EQ(stepsTaken, 0);
+}
+#endif
+
+} // namespace
+} // namespace zarno::test
