@@ -129,6 +129,7 @@ TEST(Modulation, VibratoFollowsTheWheelAndEndsInTune) {
     EXPECT_NEAR(t.speed(), 1, 1e-6);
 
     Ramp late;
+    late.render(10);
     late.controller(1, 127);
     late.noteOn(60);
     late.controller(1, 0); // the wheel is back before the note's first sample
