@@ -53,9 +53,9 @@ TEST_F(SampleSearching, NamesAreComparedAsTheyAre) {
     auto searching = search(at("chosen"));
 #ifndef _WIN32
     EXPECT_EQ(searching.find("/gone/Piano, C4; soft*.wav"), at("chosen/a/Piano, C4; soft*.wav"));
+    EXPECT_EQ(searching.find("/gone/loud \xC3\xBC.wav"), at("chosen/a/LOUD \xC3\x9C.WAV"));
 #endif
     EXPECT_EQ(searching.find("/gone/*.wav"), "");
-    EXPECT_EQ(searching.find("/gone/loud \xC3\xBC.wav"), at("chosen/a/LOUD \xC3\x9C.WAV"));
     EXPECT_EQ(searching.find("/gone/Kick.wav"), at("chosen/z/Kick.wav"));
     EXPECT_EQ(searching.find("/gone/KICK.wav"), at("chosen/b/kick.wav"));
 }
