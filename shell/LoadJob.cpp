@@ -63,7 +63,11 @@ void LoadJob::cancel() {
 void LoadJob::abandon(std::shared_ptr<LoadJob> job) {
     keepModuleForever();
     job->thread_.detach();
-    new std::shared_ptr<LoadJob>(std::move(job)); // kept on purpose: nobody knows when the reader comes back
+    // Kept on purpose until the process ends: nobody knows when the reader comes back.
+    static std::mutex lock;
+    static auto& leftBehind = *new std::vector<std::shared_ptr<LoadJob>>;
+    const std::lock_guard hold(lock);
+    leftBehind.push_back(std::move(job));
 }
 
 bool LoadJob::loadProgress(float fraction, const char*, const char*) {
