@@ -18,6 +18,13 @@ endfunction()
 zarno_header_library(CLI11::CLI11 CLI)
 zarno_header_library(nlohmann_json::nlohmann_json nlohmann)
 
+# Importing: makers work where these are.
+if(ZARNO_TOOLS AND NOT CMAKE_CROSSCOMPILING)
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(SndFile REQUIRED IMPORTED_TARGET sndfile)
+    pkg_check_modules(PugiXml REQUIRED IMPORTED_TARGET pugixml)
+endif()
+
 if(ZARNO_TESTS)
     if(CMAKE_CROSSCOMPILING)
         set(INSTALL_GTEST OFF)

@@ -1,0 +1,203 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/GroupMapper.h"
+
+#include "tools/import/Alternations.h"
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
+
+namespace zarno {
+namespace {
+
+using Kind = ImportedAlternation::Kind;
+
+// More ranges of keys than this alternate in one group together.
+constexpr std::size_t mostPools = 48;
+
+// What a group decides for all of its zones. Ordered as groups are.
+struct Profile {
+    bool behindKeyswitches = false;
+    bool notFirst = false; // keyswitched, but not from the start
+    ImportedCondition condition;
+    bool onRelease = false;
+    double releaseDecay = 0.0;
+    std::string name;
+
+    bool isKeyswitched() const { return condition.kind == GroupTrigger::Note; }
+    auto operator<=>(const Profile&) const = default;
+};
+
+class GroupMapper {
+  public:
+    GroupMapper(std::optional<int> firstKeyswitch, ImportReport& report)
+        : firstKeyswitch_(firstKeyswitch)
+        , report_(report) {}
+
+    void add(ImportedZone zone);
+    std::vector<MappedGroup> map();
+
+  private:
+    void mapKeyswitched(const Profile& profile, const std::vector<ImportedZone>& zones);
+    void mapAlternating(const Profile& profile, const std::vector<ImportedZone>& zones);
+    void makeGroup(const Profile& profile, Kind kind, std::vector<ImportedZone> zones,
+                   const std::string& suffix = {});
+    std::string nameOf(const Profile& profile, Kind kind) const;
+
+    const std::optional<int> firstKeyswitch_;
+    ImportReport& report_;
+    std::map<Profile, std::vector<ImportedZone>> profiles_;
+    std::vector<MappedGroup> groups_;
+};
+
+void GroupMapper::add(ImportedZone zone) {
+    Profile profile;
+    profile.condition = zone.condition;
+    profile.onRelease = zone.onRelease;
+    profile.releaseDecay = zone.onRelease ? zone.releaseDecay : 0.0;
+    profile.name = zone.group;
+    profile.behindKeyswitches = !profile.isKeyswitched();
+    if (profile.isKeyswitched()) {
+        if (zone.onRelease) {
+            report_.add("release sample of a keyswitch", "left out", zone.place);
+            return;
+        }
+        profile.notFirst = firstKeyswitch_ && zone.condition.number != *firstKeyswitch_;
+        profile.name.clear(); // one group whatever they are called
+    }
+    profiles_[profile].push_back(std::move(zone));
+}
+
+std::string GroupMapper::nameOf(const Profile& profile, Kind kind) const {
+    if (!profile.name.empty()) return profile.name;
+    const ImportedCondition& when = profile.condition;
+    const std::string number = std::to_string(when.number);
+    const std::string name =
+        when.kind == GroupTrigger::Note         ? "Keyswitch " + keyName(when.number)
+        : when.kind == GroupTrigger::Channel    ? "Channel " + std::to_string(when.number + 1)
+        : when.kind == GroupTrigger::Program    ? "Program " + std::to_string(when.number + 1)
+        : when.kind == GroupTrigger::Controller ? "Controller " + number
+                                                : "";
+    const std::string what = profile.onRelease          ? "Release"
+                             : kind == Kind::RoundRobin ? "Round Robin"
+                             : kind == Kind::Random     ? "Random"
+                                                        : "Main";
+    return name.empty() ? what : profile.onRelease ? name + ' ' + what : name;
+}
+
+void GroupMapper::makeGroup(const Profile& profile, Kind kind, std::vector<ImportedZone> zones,
+                            const std::string& suffix) {
+    MappedGroup group;
+    group.name = nameOf(profile, kind) + suffix;
+    GroupRecord& record = group.record;
+    record.trigger = static_cast<std::int32_t>(profile.condition.kind);
+    const int number = profile.condition.number;
+    switch (profile.condition.kind) {
+    case GroupTrigger::Channel:
+        record.channel = number;
+        break;
+    case GroupTrigger::Note:
+        record.keyswitchNote = number;
+        break;
+    case GroupTrigger::Program:
+        record.program = number;
+        break;
+    case GroupTrigger::Controller:
+        record.controllerNumber = number;
+        record.controllerLow = profile.condition.low;
+        record.controllerHigh = profile.condition.high;
+        break;
+    default:
+        break;
+    }
+    record.selectionMode = static_cast<std::int32_t>(kind == Kind::RoundRobin ? SelectionMode::RoundRobin
+                                                     : kind == Kind::Random   ? SelectionMode::TotalRandom
+                                                                              : SelectionMode::Stack);
+    record.releaseTrigger = profile.onRelease ? 1 : 0;
+    record.releaseDecayTime = static_cast<float>(profile.releaseDecay);
+    group.zones = std::move(zones);
+    groups_.push_back(std::move(group));
+}
+
+std::vector<ImportedZone> zonesOfKind(const std::vector<ImportedZone>& zones, Kind kind) {
+    std::vector<ImportedZone> found;
+    std::copy_if(zones.begin(), zones.end(), std::back_inserter(found),
+                 [kind](const ImportedZone& zone) { return zone.alternation.kind == kind; });
+    return found;
+}
+
+// One group, whatever it takes: layers are kept rather than alternatives.
+void GroupMapper::mapKeyswitched(const Profile& profile, const std::vector<ImportedZone>& zones) {
+    auto alternating = zones;
+    std::erase_if(alternating, [](const ImportedZone& zone) { return zone.alternation.kind == Kind::None; });
+    if (alternating.empty()) return makeGroup(profile, Kind::None, zones);
+
+    auto sets = findAlternationSets(alternating);
+    for (const ImportedZone& zone : zonesOfKind(zones, Kind::None))
+        sets.push_back({zone.keys, zone.velocities, {zone}});
+    const auto pools = poolAlternationSets(std::move(sets), 0);
+    if (pools.size() == 1)
+        return makeGroup(profile, alternating.front().alternation.kind, orderedZones(pools.front()));
+
+    auto layers = zones;
+    std::erase_if(layers, [&](const ImportedZone& zone) {
+        const bool isDropped = zone.alternation.kind != Kind::None && zone.alternation.position > 0;
+        if (isDropped)
+            report_.add("alternation in layers of a keyswitch", "the first alternative always plays",
+                        zone.place);
+        return isDropped;
+    });
+    makeGroup(profile, Kind::None, std::move(layers));
+}
+
+void GroupMapper::mapAlternating(const Profile& profile, const std::vector<ImportedZone>& zones) {
+    std::map<std::pair<Kind, int>, std::vector<ImportedZone>> kinds; // by kind and count
+    for (const ImportedZone& zone : zones)
+        if (zone.alternation.kind != Kind::None)
+            kinds[{zone.alternation.kind, zone.alternation.count}].push_back(zone);
+    for (const auto& [kind, alternatives] : kinds) {
+        const auto pools = poolAlternationSets(findAlternationSets(alternatives), mostPools);
+        for (const auto& pool : pools) {
+            std::set<ImportedRange> ranges;
+            for (const AlternationSet& set : pool)
+                ranges.insert(set.keys);
+            if (ranges.size() > 1 && kind.first == Kind::RoundRobin)
+                report_.add("round robin on many keys", "the keys of a group take turns together",
+                            alternatives.front().place, ranges.size());
+            std::string suffix;
+            if (pools.size() > 1 && ranges.size() == 1) suffix = ' ' + keyName(pool.front().keys.low);
+            makeGroup(profile, kind.first, orderedZones(pool), suffix);
+        }
+    }
+}
+
+std::vector<MappedGroup> GroupMapper::map() {
+    for (const auto& [profile, zones] : profiles_) {
+        if (profile.isKeyswitched()) {
+            mapKeyswitched(profile, zones);
+            continue;
+        }
+        auto steady = zonesOfKind(zones, Kind::None);
+        if (!steady.empty()) makeGroup(profile, Kind::None, std::move(steady));
+        mapAlternating(profile, zones);
+    }
+    return std::move(groups_);
+}
+
+} // namespace
+
+std::vector<MappedGroup> mapGroups(std::vector<ImportedZone> zones, std::optional<int> firstKeyswitch,
+                                   ImportReport& report) {
+    GroupMapper mapper(firstKeyswitch, report);
+    for (ImportedZone& zone : zones)
+        mapper.add(std::move(zone));
+    return mapper.map();
+}
+
+std::string keyName(int key) {
+    static constexpr const char* names[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
+    return names[((key % 12) + 12) % 12] + std::to_string(key / 12 - 1);
+}
+
+} // namespace zarno

@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "engine/Records.h"
+#include "tools/import/FrameReader.h"
+
+#include <compare>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+// An instrument of another format as plain values: what a reader makes, and importInstrument() turns into an
+// instrument file. Readers resolve everything that is theirs (inheritance, defaults, units); what nothing
+// here can say they give to the ImportReport.
+namespace zarno {
+
+/// Keys or velocities, both ends included.
+struct ImportedRange {
+    int low = 0, high = 127;
+
+    bool isEmpty() const { return low > high; }
+    bool overlaps(const ImportedRange& other) const { return low <= other.high && other.low <= high; }
+    auto operator<=>(const ImportedRange&) const = default;
+};
+
+/// A recording that zones play.
+struct ImportedSample {
+    std::string name; ///< for people and for the file made of it; need not be unique
+    SoundFormat format;
+    std::function<std::unique_ptr<FrameReader>()> open; ///< throws MakerError
+};
+
+/// The amplitude envelope in the engine's own terms: times in ms, the sustain level in dB. EnvelopeTimes.h
+/// makes them of other formats' times.
+struct ImportedEnvelope {
+    double attack = 0.0;
+    double decay = 0.0; ///< 0 keeps the full level, whatever the sustain level
+    double sustain = 0.0;
+    double release = 5.0;
+};
+
+/// When a zone is there to be played.
+struct ImportedCondition {
+    GroupTrigger kind = GroupTrigger::Always;
+    int number = 0;          ///< channel 0..15, keyswitch note, controller or program
+    int low = 0, high = 127; ///< values of the controller
+
+    auto operator<=>(const ImportedCondition&) const = default;
+};
+
+/// Zones of which one is played at a time. Those of equal kind, count, keys and velocities belong together.
+struct ImportedAlternation {
+    enum class Kind { None, RoundRobin, Random };
+
+    Kind kind = Kind::None;
+    int position = 0; ///< 0..count - 1
+    int count = 1;
+
+    auto operator<=>(const ImportedAlternation&) const = default;
+};
+
+struct ImportedZone {
+    std::size_t sample = 0; ///< index into ImportedInstrument::samples
+    std::string place;      ///< where the source says it ("piano.sfz:12"), for remarks
+    std::string group;      ///< zones of one name share a group where the engine allows; may be empty
+
+    ImportedRange keys, velocities;
+    ImportedCondition condition;
+    ImportedAlternation alternation;
+    bool onRelease = false;    ///< sounds on note-off
+    double releaseDecay = 0.0; ///< ms until a release zone has faded with the time the key was held; 0 never
+    int choke = 0;             ///< zones of one number, 0 excepted, cut each other
+
+    int rootKey = 60;
+    double tune = 0.0;          ///< cents
+    double keyTracking = 100.0; ///< cents a key
+    double volume = 0.0;        ///< dB
+    double keyVolume = 0.0;     ///< dB added a key above keyVolumeCentre
+    int keyVolumeCentre = 60;
+    double pan = 0.0; ///< -1..+1
+    /// 1: 40 dB for a factor of ten in velocity; 0: full level at any velocity.
+    double velocityTracking = 1.0;
+    ImportedEnvelope envelope;
+
+    // Frames of the sample. Points beyond its end are moved inside.
+    std::uint64_t start = 0;
+    std::uint64_t end = UINT64_MAX; ///< exclusive
+    LoopMode loop = LoopMode::None;
+    std::uint64_t loopStart = 0;
+    std::uint64_t loopEnd = 0; ///< exclusive
+};
+
+struct ImportedInstrument {
+    std::string name;
+    std::string text; ///< a remark of the maker's; may be empty
+    std::vector<ImportedSample> samples;
+    std::vector<ImportedZone> zones;
+    std::optional<int> polyphony;
+    std::optional<int> firstKeyswitch; ///< the note whose zones are there before any keyswitch was played
+};
+
+} // namespace zarno

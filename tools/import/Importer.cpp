@@ -1,0 +1,243 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/Importer.h"
+
+#include "data/load/InstrumentFormat.h"
+#include "tools/import/FileNames.h"
+#include "tools/import/SampleWriter.h"
+#include "tools/import/ZoneRecords.h"
+#include "tools/zarno/FilePaths.h"
+#include "tools/zarno/InstrumentWriter.h"
+#include "tools/zarno/MakerError.h"
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+
+namespace zarno {
+namespace {
+
+constexpr std::uint64_t mostBytesInMemory = 64u << 20; // more samples are streamed
+constexpr std::uint64_t chunkFrames = 32768;           // of streaming instruments
+constexpr int usualPolyphony = 64;
+constexpr int mostPolyphony = 1024;
+
+class Import {
+  public:
+    Import(const ImportedInstrument& source, const ImportOptions& options, ImportReport& report)
+        : source_(source)
+        , options_(options)
+        , report_(report) {}
+
+    void run();
+
+  private:
+    void mapZones();
+    void chooseStorage();
+    SampleForms formsFor(std::uint64_t chunk, ImportReport& report);
+    void chooseWidths();
+    SampleWidth widthOf(const SampleForm& form) const;
+    void fillHeader();
+    void fillGroups();
+    void nameForms();
+    void addBlocks();
+    void writeWaves();
+    void fillReport();
+    void advance(std::uint64_t frames);
+    const ImportedSample& sampleOf(const SampleForm& form) const { return source_.samples[form.sample]; }
+
+    const ImportedInstrument& source_;
+    const ImportOptions& options_;
+    ImportReport& report_;
+    std::vector<MappedGroup> groups_;
+    bool streaming_ = false, sixteenBit_ = true;
+    std::vector<SampleForm> forms_;
+    std::vector<std::string> names_; // of forms, as zones say them
+    Model model_;
+    std::uint64_t framesToWrite_ = 0, framesWritten_ = 0;
+};
+
+void Import::mapZones() {
+    std::vector<ImportedZone> zones;
+    for (const ImportedZone& zone : splitByKey(source_.zones)) {
+        const std::uint64_t frames = source_.samples.at(zone.sample).format.frames;
+        if (zone.keys.isEmpty() || zone.velocities.isEmpty())
+            report_.add("range without keys or velocities", "zone left out", zone.place);
+        else if (zone.start >= std::min(zone.end, frames))
+            report_.add("start behind the sample's end", "zone left out", zone.place);
+        else
+            zones.push_back(zone);
+    }
+    if (zones.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
+    groups_ = mapGroups(std::move(zones), source_.firstKeyswitch, report_);
+    assignChokeIds(groups_);
+}
+
+SampleForms Import::formsFor(std::uint64_t chunk, ImportReport& report) {
+    SampleForms forms(source_.samples, chunk, report);
+    for (const MappedGroup& group : groups_)
+        for (const ImportedZone& zone : group.zones)
+            forms.add(zone);
+    return forms;
+}
+
+void Import::chooseStorage() {
+    streaming_ = options_.storage == SampleStorage::Stream;
+    if (options_.storage == SampleStorage::Auto) {
+        ImportReport notYet; // said once, for the choice that is made
+        std::uint64_t bytes = 0;
+        const SampleForms forms = formsFor(0, notYet);
+        for (const SampleForm& form : forms.forms())
+            bytes += writtenBytes(sampleOf(form).format, form, SampleWidth::Int16);
+        streaming_ = bytes > mostBytesInMemory;
+    }
+}
+
+void Import::chooseWidths() {
+    for (const SampleForm& form : forms_) {
+        const ImportedSample& sample = sampleOf(form);
+        const bool isWide = sample.format.bits > 24 || sample.format.floatingPoint;
+        if (isWide || sample.format.bits > 16) sixteenBit_ = false;
+        if (sample.format.channels > 2)
+            report_.add("more than two channels", "the first two are kept", sample.name);
+        if (isWide && !options_.embed)
+            report_.add("samples of 32 bits", "24 bits, clipped at full scale (--embed keeps floats)",
+                        sample.name);
+    }
+}
+
+SampleWidth Import::widthOf(const SampleForm& form) const {
+    if (options_.embed) return sixteenBit_ ? SampleWidth::Int16 : SampleWidth::Float32;
+    const SoundFormat& format = sampleOf(form).format;
+    return format.bits > 16 || format.floatingPoint ? SampleWidth::Int24 : SampleWidth::Int16;
+}
+
+void Import::fillHeader() {
+    InstrumentFile& file = model_.file;
+    std::memcpy(file.magic, format::magic, sizeof file.magic);
+    file.version = format::newestVersion;
+    file.storage = options_.embed ? format::Embedded : format::External;
+    const auto text = [](const std::string& from) {
+        return StoredText{from.substr(0, std::min(from.find('\0'), format::nameLimit)), true};
+    };
+    file.name = file.title = text(source_.name);
+    file.remark = text(source_.text);
+    InstrumentSettings& settings = file.settings;
+    settings.streaming = settings.streamingStored = streaming_ ? 1 : 0;
+    settings.streamBufferFrames = settings.streamBufferFramesStored = static_cast<std::int32_t>(chunkFrames);
+    settings.sixteenBit = settings.sixteenBitStored = sixteenBit_ ? 1 : 0;
+    settings.polyphony = settings.polyphonyStored =
+        std::clamp(source_.polyphony.value_or(usualPolyphony), 1, mostPolyphony);
+    settings.velocityFloor = velocityFloorOf(groups_, report_);
+}
+
+// Chooses the samples' forms on the way: each zone has its say before any point is set.
+void Import::fillGroups() {
+    SampleForms forms = formsFor(streaming_ ? chunkFrames : 0, report_);
+    forms_ = forms.forms();
+    chooseWidths();
+    nameForms();
+    for (const MappedGroup& group : groups_) {
+        GroupEntry entry;
+        entry.name = {group.name.substr(0, format::nameLimit), true};
+        entry.record = group.record;
+        for (const ImportedZone& zone : group.zones) {
+            const std::size_t form = forms.find(zone);
+            ZoneRecord record = recordOf(zone);
+            forms.setPoints(zone, form, record);
+            entry.zones.push_back({{names_[form], true}, options_.embed ? form : ZoneEntry::noBlock, record});
+        }
+        entry.zoneCount = static_cast<std::int32_t>(entry.zones.size());
+        model_.file.groups.push_back(std::move(entry));
+    }
+    model_.file.groupCount = static_cast<std::int32_t>(model_.file.groups.size());
+}
+
+std::filesystem::path sampleFolder(const std::string& out) {
+    return filePath(out).replace_extension(".samples");
+}
+
+// Zones name a sample as it stands in the file, or as a wave in the folder beside it.
+void Import::nameForms() {
+    FileNames files;
+    const std::string folder = options_.embed ? "" : utf8Text(sampleFolder(options_.out).filename()) + '\\';
+    for (const SampleForm& form : forms_) {
+        names_.push_back(folder + files.make(sampleOf(form).name) + ".wav");
+        framesToWrite_ += form.writtenFrames();
+        report_.sampleBytes += writtenBytes(sampleOf(form).format, form, widthOf(form));
+    }
+}
+
+void Import::advance(std::uint64_t frames) {
+    framesWritten_ += frames;
+    if (options_.progress)
+        options_.progress(static_cast<double>(framesWritten_) / static_cast<double>(framesToWrite_));
+}
+
+void Import::addBlocks() {
+    for (std::size_t i = 0; i < forms_.size(); ++i) {
+        const SampleForm& form = forms_[i];
+        const SoundFormat& format = sampleOf(form).format;
+        SampleBlock block;
+        block.name = names_[i];
+        block.header.bytesPerSample = static_cast<std::int32_t>(widthOf(form));
+        block.header.sampleRate = format.sampleRate;
+        block.header.channels = writtenChannels(format);
+        block.header.frames = static_cast<std::int64_t>(form.writtenFrames());
+        block.dataBytes = writtenBytes(format, form, widthOf(form));
+        model_.file.blocks.push_back(block);
+        model_.frames.push_back([this, &form](std::ostream& out) {
+            writeFrames(sampleOf(form), form, widthOf(form), out, [this](std::uint64_t n) { advance(n); });
+        });
+    }
+}
+
+void Import::writeWaves() {
+    const std::filesystem::path folder = sampleFolder(options_.out);
+    std::error_code failed;
+    std::filesystem::create_directories(folder, failed);
+    if (failed) throw MakerError(utf8Text(folder), "the folder cannot be made");
+    for (std::size_t i = 0; i < forms_.size(); ++i) {
+        const std::string file = names_[i].substr(names_[i].rfind('\\') + 1);
+        writeWave(sampleOf(forms_[i]), forms_[i], widthOf(forms_[i]), utf8Text(folder / filePath(file)),
+                  [this](std::uint64_t n) { advance(n); });
+    }
+}
+
+void Import::fillReport() {
+    report_.target = options_.out;
+    report_.groups = model_.file.groups.size();
+    report_.samples = forms_.size();
+    report_.streaming = streaming_;
+    report_.embedded = options_.embed;
+    for (const GroupEntry& group : model_.file.groups)
+        report_.zones += group.zones.size();
+    for (const SampleForm& form : forms_)
+        if (form.passes > 1)
+            report_.add("short loop",
+                        streaming_ ? "unrolled to the length of a stream chunk"
+                                   : "unrolled until it is " + std::to_string(SampleForms::shortestLoop) +
+                                         " frames long",
+                        sampleOf(form).name);
+}
+
+void Import::run() {
+    mapZones();
+    chooseStorage();
+    fillGroups();
+    fillHeader();
+    if (options_.embed)
+        addBlocks();
+    else
+        writeWaves();
+    if (options_.finish) options_.finish(model_);
+    writeInstrumentFile(model_, options_.out);
+    fillReport();
+}
+
+} // namespace
+
+void importInstrument(const ImportedInstrument& source, const ImportOptions& options, ImportReport& report) {
+    Import(source, options, report).run();
+}
+
+} // namespace zarno

@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/GroupMapper.h"
+
+#include <algorithm>
+
+namespace zarno {
+namespace {
+
+// A zone without key tracking needs no splitting, unless it is tuned: the engine's fixed pitch is the
+// recording's own.
+bool followsKeysAsTheEngine(const ImportedZone& zone) {
+    const bool pitch = zone.keyTracking == 100.0 || (zone.keyTracking == 0.0 && zone.tune == 0.0);
+    return pitch && zone.keyVolume == 0.0;
+}
+
+ImportedZone atKey(const ImportedZone& zone, int key) {
+    ImportedZone one = zone;
+    one.keys = {key, key};
+    one.tune += (key - zone.rootKey) * zone.keyTracking;
+    one.rootKey = key;
+    one.keyTracking = 100.0;
+    one.volume += (key - zone.keyVolumeCentre) * zone.keyVolume;
+    one.keyVolume = 0.0;
+    return one;
+}
+
+} // namespace
+
+std::vector<ImportedZone> splitByKey(const std::vector<ImportedZone>& zones) {
+    std::vector<ImportedZone> split;
+    for (const ImportedZone& zone : zones) {
+        if (followsKeysAsTheEngine(zone)) {
+            split.push_back(zone);
+            continue;
+        }
+        for (int key = std::max(zone.keys.low, 0); key <= std::min(zone.keys.high, 127); ++key)
+            split.push_back(atKey(zone, key));
+    }
+    return split;
+}
+
+} // namespace zarno
