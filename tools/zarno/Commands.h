@@ -9,6 +9,7 @@ class App;
 namespace zarno {
 
 void addBrandCommand(CLI::App& program);
+void addImportCommand(CLI::App& program);
 void addInfoCommand(CLI::App& program);
 void addPackCommand(CLI::App& program);
 void addUnpackCommand(CLI::App& program);

@@ -16,6 +16,9 @@ constexpr void (*commands[])(CLI::App&) = {
     zarno::addBrandCommand,
     zarno::addInfoCommand,
     zarno::addPackCommand,
+#ifdef ZARNO_HAS_IMPORT
+    zarno::addImportCommand,
+#endif
     zarno::addUnpackCommand,
 #ifdef ZARNO_HAS_RENDER
     zarno::addRenderCommand,
