@@ -13,6 +13,8 @@ CLoadingComponent::CLoadingComponent() {
     addAndMakeVisible(hint_);
     addChildComponent(spinner_);
     setTitle("Loading");
+    setMouseCursor(juce::MouseCursor::WaitCursor);
+    setInterceptsMouseClicks(true, false); // the cursor is the same over all that lies on it
 }
 
 // The spinner's clock runs only while the overlay itself is seen.

@@ -124,7 +124,13 @@ void CZSPGUI::loadingStarted() {
 }
 
 void CZSPGUI::loadingFinished() {
+    question_.close();
     rebuildPlayer();
+}
+
+void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::File& start,
+                                 std::function<void(const juce::File&)> answer) {
+    question_.locateSampleFolder(sampleName, start, std::move(answer));
 }
 
 void CZSPGUI::refresh() {

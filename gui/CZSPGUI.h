@@ -51,6 +51,8 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
 
     void loadingStarted() override;
     void loadingFinished() override;
+    void askForSampleFolder(const juce::String& sampleName, const juce::File& start,
+                            std::function<void(const juce::File&)> answer) override;
 
     void sliderValueChanged(juce::Slider*) override;
     void sliderDragEnded(juce::Slider*) override;
@@ -91,7 +93,8 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     StatusBar bar_;
     InstrumentListPanel list_;
     CLoadingComponent overlay_;
-    FileDialogs dialogs_;
+    FileDialogs dialogs_;  // the user's own
+    FileDialogs question_; // the load's
     juce::TooltipWindow tooltips_{this, 900};
 
     GroupSelection selection_;

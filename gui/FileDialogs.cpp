@@ -2,17 +2,31 @@
 #include "gui/FileDialogs.h"
 
 namespace zarno {
+namespace {
+
+constexpr int chooseFolder =
+    juce::FileBrowserComponent::openMode | juce::FileBrowserComponent::canSelectDirectories;
+
+FileDialogs::Answer ifChosen(FileDialogs::Answer answer) {
+    return [answer = std::move(answer)](const juce::File& file) {
+        if (file != juce::File()) answer(file);
+    };
+}
+
+} // namespace
 
 void FileDialogs::openInstrument(const juce::File& start, Answer answer) {
     launch("Open Instrument", start, "*.zse;*.zs2",
            juce::FileBrowserComponent::openMode | juce::FileBrowserComponent::canSelectFiles,
-           std::move(answer));
+           ifChosen(std::move(answer)));
 }
 
 void FileDialogs::chooseSampleFolder(const juce::File& start, Answer answer) {
-    launch("Locate Sample Folder", start, "*",
-           juce::FileBrowserComponent::openMode | juce::FileBrowserComponent::canSelectDirectories,
-           std::move(answer));
+    launch("Locate Sample Folder", start, "*", chooseFolder, ifChosen(std::move(answer)));
+}
+
+void FileDialogs::locateSampleFolder(const juce::String& sampleName, const juce::File& start, Answer answer) {
+    launch("Locate Sample Folder for " + sampleName, start, "*.*", chooseFolder, std::move(answer));
 }
 
 void FileDialogs::launch(const juce::String& title, const juce::File& start, const juce::String& patterns,
@@ -23,7 +37,7 @@ void FileDialogs::launch(const juce::String& title, const juce::File& start, con
     chooser_ =
         std::make_unique<juce::FileChooser>(title, isThere ? start : documents, patterns, isNativeUsable());
     chooser_->launchAsync(flags, [answer = std::move(answer)](const juce::FileChooser& chooser) {
-        if (const auto file = chooser.getResult(); file != juce::File()) answer(file);
+        answer(chooser.getResult());
     });
 }
 
@@ -41,7 +55,7 @@ bool isOnPath(const char* program) {
 
 bool works(const char* program) {
     juce::ChildProcess process;
-    constexpr int patienceMs = 2000;
+    constexpr int patienceMs = 5000; // on a busy machine
     return process.start(juce::StringArray{program, "--version"}) &&
            process.waitForProcessToFinish(patienceMs) && process.getExitCode() == 0;
 }

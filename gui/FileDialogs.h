@@ -18,6 +18,11 @@ class FileDialogs {
     // user cancels.
     void openInstrument(const juce::File& start, Answer answer);
     void chooseSampleFolder(const juce::File& start, Answer answer);
+    // The same for one sample. An answer without a file when the user cancels.
+    void locateSampleFolder(const juce::String& sampleName, const juce::File& start, Answer answer);
+
+    // Closes the one that is open.
+    void close() { chooser_.reset(); }
 
     // Whether the system's own dialog can be used. On Linux it is a program of the desktop, which may be
     // there and fail all the same.

@@ -38,7 +38,7 @@ CZSP::~CZSP() {
     for (int i = 0; i < steps && isThreadRunning(); ++i)
         juce::Thread::sleep(stepMs);
     waitForThreadToExit(-1);
-    endOfLoad_.cancelPendingUpdate();
+    endOfLoad_->abandon();
     engine_.setDelegate(nullptr);
 }
 
@@ -136,7 +136,7 @@ void CZSP::groupsChanged() {
 }
 
 void CZSP::reportMessage(const char* text, char* reply) {
-    SampleSearch search({settings_.get("missing folder").toStdString(), homeFolder()}, {},
+    SampleSearch search({settings_.get(settingKey::missingFolder).toStdString(), homeFolder()}, {},
                         [this] { return !threadShouldExit(); });
     const std::string found = search.find(text);
     {

@@ -7,6 +7,7 @@
 #include "shell/EditorPort.h"
 #include "shell/KeyboardRoute.h"
 #include "shell/Library.h"
+#include "shell/MessageCall.h"
 #include "shell/ModuleIdentity.h"
 #include "shell/Settings.h"
 
@@ -15,6 +16,9 @@
 #include <atomic>
 
 namespace zarno {
+
+class FolderQuestion;
+class LoadJob;
 
 /// The one object the host talks to: no audio inputs, two outputs, MIDI in; no parameters and no programs
 /// that a host sees, though the program operations reach the instruments of the library.
@@ -83,6 +87,9 @@ class CZSP final : public juce::AudioProcessor,
     /// the file `path`. Selecting the current one does nothing, unless `reapply` asks for a fresh load.
     void selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous);
 
+    /// The current instrument once more, in the background. The settings of one that is loaded are kept.
+    void loadAgain();
+
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
@@ -109,6 +116,9 @@ class CZSP final : public juce::AudioProcessor,
   private:
     void run() override;
     void showEndOfLoad();
+    void askAfterwards(EditorWindow& window);
+    bool mayAsk() const;
+    juce::File missingFolder() const;
     void postEvents(const juce::MidiBuffer& midi);
     void releaseAllNotes();
 
@@ -117,18 +127,10 @@ class CZSP final : public juce::AudioProcessor,
     void loadNow();
     void load(bool inBackground);
     LoadResult readAndTakeOver(const juce::String& path, bool inBackground);
+    void discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question);
     void endLoad();
     void applyPendingState();
     void makeOnlyActiveGroup(std::int32_t index);
-
-    // Brings the end of a load to the message thread. Waits for nobody.
-    struct EndOfLoad final : juce::AsyncUpdater {
-        explicit EndOfLoad(CZSP& owner)
-            : processor(owner) {}
-        ~EndOfLoad() override { cancelPendingUpdate(); }
-        void handleAsyncUpdate() override { processor.showEndOfLoad(); }
-        CZSP& processor;
-    };
 
     ZInstrument engine_;
     KeyboardRoute keyboardRoute_{engine_};
@@ -141,7 +143,8 @@ class CZSP final : public juce::AudioProcessor,
     ModuleIdentity identity_;
     EditorPort editorPort_{*this};
     std::unique_ptr<juce::LookAndFeel> lookAndFeel_;
-    EndOfLoad endOfLoad_{*this};
+    const std::shared_ptr<MessageCall> endOfLoad_ = MessageCall::make([this] { showEndOfLoad(); });
+    std::atomic<int> waiting_{0}; // for the running load to end: it is to ask nobody
 
     juce::CriticalSection contentsLock_; // taken before the callback lock
     juce::CriticalSection lock_;         // guards all below; nothing else is locked under it
@@ -150,6 +153,7 @@ class CZSP final : public juce::AudioProcessor,
     juce::String locatedPath_;
     int currentIndex_ = -1;
     bool running_ = false;                    // a load; changes together with loading_
+    bool unasked_ = false;                    // the last load had nobody to ask, with the window open
     EditorLink::Missing missing_;             // in the last load
     std::vector<std::uint8_t> receivedChunk_; // restored, and not loaded yet
     std::vector<std::uint8_t> pendingState_;  // its tail, to be applied after the load

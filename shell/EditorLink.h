@@ -4,6 +4,7 @@
 #include <juce_gui_basics/juce_gui_basics.h>
 
 #include <cstdint>
+#include <functional>
 
 namespace zarno {
 
@@ -21,6 +22,12 @@ class EditorWindow {
     /// changes the engine before this returns. The processor shows the message of a failure itself,
     /// afterwards.
     virtual void loadingFinished() = 0;
+
+    /// Shows "Locate Sample Folder for" that sample, starting in `start`, and returns. The answer comes later:
+    /// no file when the user cancels; none at all when the window or the load ends first, which closes the
+    /// dialog.
+    virtual void askForSampleFolder(const juce::String& sampleName, const juce::File& start,
+                                    std::function<void(const juce::File&)> answer) = 0;
 };
 
 /// All that the window may ask of the processor. Calls belong to the message thread unless marked otherwise.
@@ -55,7 +62,8 @@ class EditorLink {
     /// Selecting the one that is current already does nothing. During a load nothing new starts; the
     /// selection is only remembered.
     virtual void selectInstrument(int index, const juce::String& path) = 0;
-    /// Loads the current instrument once more, after a failure or when samples were missing.
+    /// Loads the current instrument once more, after a failure or when samples were missing. Of one that was
+    /// loaded the player's settings are kept.
     virtual void tryAgain() = 0;
 
     /// [any thread]

@@ -40,7 +40,7 @@ void EditorPort::selectInstrument(int index, const juce::String& path) {
 }
 
 void EditorPort::tryAgain() {
-    processor_.selectInstrument(processor_.currentIndex(), processor_.currentPath(), true, false);
+    processor_.loadAgain();
 }
 
 bool EditorPort::isLoading() const {
@@ -57,7 +57,7 @@ EditorLink::Missing EditorPort::missingSamples() const {
 }
 
 void EditorPort::locateMissingSamples(const juce::File& folder) {
-    processor_.settings().set("missing folder", folder.getFullPathName());
+    processor_.settings().set(settingKey::missingFolder, folder.getFullPathName());
     tryAgain();
 }
 

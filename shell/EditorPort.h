@@ -3,6 +3,8 @@
 
 #include "shell/EditorLink.h"
 
+#include <atomic>
+
 namespace zarno {
 
 class CZSP;
@@ -14,7 +16,7 @@ class EditorPort final : public EditorLink {
         : processor_(processor) {}
 
     void setWindow(EditorWindow* window) override { window_ = window; }
-    /// [message thread] Null while no window is open.
+    /// Null while no window is open. To be used on the message thread alone; any thread may ask whether.
     EditorWindow* window() const { return window_; }
 
     ZInstrument& engine() override;
@@ -41,7 +43,7 @@ class EditorPort final : public EditorLink {
 
   private:
     CZSP& processor_;
-    EditorWindow* window_ = nullptr;
+    std::atomic<EditorWindow*> window_{nullptr};
 };
 
 } // namespace zarno

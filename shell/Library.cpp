@@ -4,6 +4,7 @@
 #include "data/load/InstrumentFile.h"
 #include "platform/Folder.h"
 #include "platform/Paths.h"
+#include "shell/SearchPath.h"
 
 #include <algorithm>
 
@@ -55,8 +56,9 @@ int firstIndex(const std::vector<Library::Entry>& entries, Matches matches) {
 
 Library Library::scan(const std::vector<std::string>& folders) {
     Found found;
-    for (const std::string& folder : folders)
-        if (!folder.empty()) collect(folder, 0, false, found);
+    for (const std::string& path : folders)
+        for (const std::string& folder : searchPathFolders(path))
+            collect(folder, 0, false, found);
     Library library;
     addTitled(found.zse, library.entries);
     addTitled(found.zs2, library.entries);

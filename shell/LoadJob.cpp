@@ -2,6 +2,7 @@
 #include "shell/LoadJob.h"
 
 #include "platform/Module.h"
+#include "platform/Paths.h"
 
 #include <chrono>
 #include <cstring>
@@ -54,6 +55,37 @@ void LoadJob::proceed() {
     changed_.notify_all();
 }
 
+std::string LoadJob::question() {
+    const std::lock_guard hold(lock_);
+    return question_;
+}
+
+void LoadJob::answer(const std::string& folder) {
+    const std::lock_guard hold(lock_);
+    answer_ = folder;
+    if (state_ == State::Asking) state_ = State::Reading;
+    changed_.notify_all();
+}
+
+// Somebody who cancels once is left in peace for the rest of the load.
+std::string LoadJob::ask(const std::string& missingPath) {
+    std::string folder;
+    {
+        std::unique_lock hold(lock_);
+        question_ = fileName(missingPath);
+        answer_.clear();
+        state_ = State::Asking;
+        changed_.notify_all();
+        changed_.wait(hold, [this] { return state_ != State::Asking || !goOn(); });
+        state_ = State::Reading;
+        folder = answer_;
+    }
+    asks_ = !folder.empty();
+    if (!asks_) return {};
+    search_.choose(folder);
+    return search_.find(missingPath);
+}
+
 void LoadJob::cancel() {
     const std::lock_guard hold(lock_);
     cancelled_ = true;
@@ -76,7 +108,8 @@ bool LoadJob::loadProgress(float fraction, const char*, const char*) {
 }
 
 void LoadJob::reportMessage(const char* text, char* reply) {
-    const std::string found = search_.find(text);
+    std::string found = search_.find(text);
+    if (found.empty() && asks_) found = ask(text);
     if (found.size() < replyBytes) std::memcpy(reply, found.c_str(), found.size() + 1);
 }
 

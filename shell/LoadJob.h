@@ -24,6 +24,7 @@ class LoadJob final : private ZSEDelegate {
         SampleSearch::Places places;
         SampleSearch::Limits limits;
         bool background = false; ///< at the lowest priority: nobody is held up by this load
+        bool mayAsk = false;     ///< where a missing sample is: see State::Asking
     };
     /// Null when the system has no thread left.
     static std::shared_ptr<LoadJob> start(Request request);
@@ -31,11 +32,16 @@ class LoadJob final : private ZSEDelegate {
     enum class State {
         Reading,
         Opened, ///< the file is open: the reader waits for proceed, so that the old contents can go first
+        Asking, ///< a sample is nowhere to be found: the reader waits for answer
         Finished
     };
     /// The state, after at most `timeoutMs` if it stays Reading.
     State wait(unsigned timeoutMs);
     void proceed();
+    /// In state Asking: the name of the sample.
+    std::string question();
+    /// The folder to look into, also for what else is missing. An empty one ends the questions of this load.
+    void answer(const std::string& folder);
     /// The reader gives up at its next look.
     void cancel();
     float progress() const { return progress_.load(std::memory_order_relaxed); }
@@ -54,6 +60,7 @@ class LoadJob final : private ZSEDelegate {
   private:
     void read();
     void waitForPermission();
+    std::string ask(const std::string& missingPath);
     bool goOn() const { return !cancelled_.load(std::memory_order_relaxed); }
 
     bool loadProgress(float fraction, const char* groupName, const char* sampleName) override;
@@ -70,7 +77,9 @@ class LoadJob final : private ZSEDelegate {
     std::atomic<bool> cancelled_{false};
     std::mutex lock_;
     std::condition_variable changed_;
-    State state_ = State::Reading; // guarded by lock_
+    State state_ = State::Reading; // this and the next two are guarded by lock_
+    std::string question_, answer_;
+    bool asks_ = request_.mayAsk; // of the reader alone
     WorkerThread thread_;
 };
 

@@ -2,6 +2,8 @@
 // How CZSP changes its instrument: the choice, the thread, the load, its end.
 #include "platform/MessageBox.h"
 #include "shell/CZSP.h"
+#include "shell/FolderQuestion.h"
+#include "shell/HostChunk.h"
 #include "shell/LoadJob.h"
 #include "shell/UserFolders.h"
 
@@ -75,7 +77,10 @@ void CZSP::startLoading() {
     if (!startThread(juce::Thread::Priority::background)) endLoad();
 }
 
+// A load that runs ends first. It may be on the way to the user with a question, who is not to be waited for,
+// and this may be the message thread: so what it asks is declined. Its instrument is to be replaced anyway.
 void CZSP::loadNow() {
+    ++waiting_;
     for (;; juce::Thread::sleep(static_cast<int>(lookEveryMs))) {
         const juce::ScopedLock hold(lock_);
         if (running_) continue;
@@ -84,8 +89,20 @@ void CZSP::loadNow() {
         progress_ = -1.0;
         break;
     }
+    --waiting_;
     load(false);
     endLoad();
+}
+
+void CZSP::loadAgain() {
+    if (!isLoading() && lastLoadSucceeded()) {
+        juce::MemoryBlock chunk;
+        getStateInformation(chunk);
+        const auto tail = splitChunk({static_cast<const std::uint8_t*>(chunk.getData()), chunk.getSize()}).tail;
+        const juce::ScopedLock hold(lock_);
+        pendingState_.assign(tail.begin(), tail.end());
+    }
+    selectInstrument(currentIndex(), currentPath(), true, false);
 }
 
 void CZSP::run() {
@@ -112,12 +129,16 @@ void CZSP::load(bool inBackground) {
 
 LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
     using Clock = std::chrono::steady_clock;
+    const bool isWatched = editorPort_.window() != nullptr;
+    const bool mayAsk = inBackground || !isMessageThread(); // which a dialog would need
     auto job = LoadJob::start({path.toStdString(),
                                settings_.get(path).toStdString(),
-                               {settings_.get("missing folder").toStdString(), homeFolder()},
-                               {},
-                               inBackground});
+                               {settings_.get(settingKey::missingFolder).toStdString(), homeFolder()},
+                               isWatched ? SampleSearch::whileWatched : SampleSearch::Limits(),
+                               inBackground,
+                               mayAsk});
     if (!job) return {};
+    std::unique_ptr<FolderQuestion> question;
     auto cancelledAt = Clock::time_point::max();
     for (;;) {
         const auto state = job->wait(lookEveryMs);
@@ -127,6 +148,7 @@ LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
             engine_.clear();
             job->proceed();
         }
+        if (state == LoadJob::State::Asking) discuss(*job, question);
         if (!loadProgress(job->progress(), "", "") && cancelledAt == Clock::time_point::max()) {
             job->cancel();
             cancelledAt = Clock::now();
@@ -141,7 +163,32 @@ LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
         const juce::ScopedLock hold(contentsLock_);
         takeOver(engine_, job->contents(), job->result());
     }
+    const juce::ScopedLock hold(lock_);
+    unasked_ = isWatched && !mayAsk && !job->result().missing.empty();
     return job->result();
+}
+
+bool CZSP::mayAsk() const {
+    return editorPort_.window() != nullptr && waiting_ == 0 && !threadShouldExit();
+}
+
+// One step of it: the user may take any time.
+void CZSP::discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question) {
+    std::optional<std::string> answer = std::string();
+    if (mayAsk()) {
+        if (!question)
+            question = std::make_unique<FolderQuestion>(editorPort_, job.question(), missingFolder());
+        answer = question->answer();
+    }
+    if (!answer) return juce::Thread::sleep(static_cast<int>(lookEveryMs));
+    question.reset();
+    if (!answer->empty()) settings_.set(settingKey::missingFolder, fromUtf8(*answer));
+    job.answer(*answer);
+}
+
+juce::File CZSP::missingFolder() const {
+    const auto folder = settings_.get(settingKey::missingFolder);
+    return juce::File::isAbsolutePath(folder) ? juce::File(folder) : defaultSampleFolder();
 }
 
 // The two flags change together, so that no request falls into a gap at the end.
@@ -155,15 +202,30 @@ void CZSP::endLoad() {
     }
     if (threadShouldExit()) return;
     tellHostOfChange();
-    endOfLoad_.triggerAsyncUpdate();
+    endOfLoad_->post();
 }
 
 void CZSP::showEndOfLoad() {
     EditorWindow* window = editorPort_.window();
     if (window == nullptr || loading_) return;
     window->loadingFinished();
+    askAfterwards(*window);
     // Last, since the box runs messages of its own: this object may be gone when it is dismissed.
     if (!lastLoadSucceeded_) showMessageBox("Zarno Sampler Player", "Unable to load this instrument.");
+}
+
+// What a load on the message thread could not ask.
+void CZSP::askAfterwards(EditorWindow& window) {
+    juce::String path;
+    {
+        const juce::ScopedLock hold(lock_);
+        if (!std::exchange(unasked_, false)) return;
+        path = missing_.notFound[0];
+    }
+    const auto name = path.fromLastOccurrenceOf(juce::File::getSeparatorString(), false, false);
+    window.askForSampleFolder(name, missingFolder(), [this](const juce::File& folder) {
+        if (folder != juce::File()) editorPort_.locateMissingSamples(folder);
+    });
 }
 
 } // namespace zarno

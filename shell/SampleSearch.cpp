@@ -3,6 +3,7 @@
 
 #include "platform/Folder.h"
 #include "platform/Paths.h"
+#include "shell/SearchPath.h"
 
 #include <algorithm>
 
@@ -21,7 +22,8 @@ std::string folded(std::string text) {
 }
 
 bool isFileSystemRoot(const std::string& folder) {
-    return parentPath(folder) == folder || parentPath(folder).empty() || folder.size() <= 3;
+    const bool isDrive = folder.size() <= 3 && folder.size() >= 2 && folder[1] == ':';
+    return isDrive || parentPath(folder) == folder || parentPath(folder).empty();
 }
 
 bool isOfTheSystem(const std::string& folder) {
@@ -49,30 +51,33 @@ std::string SampleSearch::find(const std::string& missingPath) {
     return found;
 }
 
-bool SampleSearch::mayWalk(const std::string& folder, bool chosen) const {
-    return chosen || (!folder.empty() && !isFileSystemRoot(folder) && !isOfTheSystem(folder));
+std::string SampleSearch::findBelow(const std::string& searchPath, const std::string& name, bool chosen) {
+    std::string found;
+    for (const std::string& folder : searchPathFolders(searchPath))
+        if (found.empty()) found = findInFolder(folder, name, chosen);
+    return found;
 }
 
-std::string SampleSearch::findBelow(const std::string& folder, const std::string& name, bool chosen) {
-    if (!mayWalk(folder, chosen)) return {};
+std::string SampleSearch::findInFolder(const std::string& folder, const std::string& name, bool chosen) {
+    if (!chosen && (isFileSystemRoot(folder) || isOfTheSystem(folder))) return {};
     const auto [place, isNew] = walks_.try_emplace(folder);
     Walk& walk = place->second;
-    if (isNew) {
-        walk.chosen = chosen;
-        walk.waiting.push_back(folder);
-    }
+    if (isNew) walk.waiting.push_back(folder);
     auto exact = walk.byName.find(name);
-    while (exact == walk.byName.end() && stepInto(walk))
-        exact = walk.byName.find(name);
+    for (; exact == walk.byName.end() && mayGoOn(walk, chosen); exact = walk.byName.find(name))
+        stepInto(walk);
     if (exact != walk.byName.end()) return exact->second;
     const auto similar = walk.byFoldedName.find(folded(name));
     return similar == walk.byFoldedName.end() ? std::string() : similar->second;
 }
 
-// Reads one more folder. False when there is none, or the search is to end.
-bool SampleSearch::stepInto(Walk& walk) {
-    const bool limited = !(walk.chosen && limits_.chosenIsFree);
-    if (walk.waiting.empty() || (goOn_ && !goOn_()) || (limited && spentMs_ >= limits_.totalMs)) return false;
+bool SampleSearch::mayGoOn(const Walk& walk, bool chosen) const {
+    return !walk.waiting.empty() && (!goOn_ || goOn_()) && spentMs_ < limits_.totalMs &&
+           (chosen || walk.spentMs < limits_.placeMs);
+}
+
+// Reads one more folder.
+void SampleSearch::stepInto(Walk& walk) {
     const double begin = clock_.nowMs();
     const std::string folder = std::move(walk.waiting.back());
     walk.waiting.pop_back();
@@ -86,8 +91,9 @@ bool SampleSearch::stepInto(Walk& walk) {
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
         if (entry->isFolder && !entry->isLink && !isOfTheSystem(joinPath(folder, entry->name)))
             walk.waiting.push_back(joinPath(folder, entry->name));
-    if (limited) spentMs_ += clock_.nowMs() - begin;
-    return true;
+    const double spent = clock_.nowMs() - begin;
+    walk.spentMs += spent;
+    spentMs_ += spent;
 }
 
 } // namespace zarno

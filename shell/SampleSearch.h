@@ -17,14 +17,15 @@ namespace zarno {
 class SampleSearch {
   public:
     struct Places {
-        std::string chosenFolder; ///< by the user; empty when there is none yet
+        std::string chosenFolder; ///< by the user, a search path; empty when there is none yet
         std::string homeFolder;   ///< looked into when nothing was chosen; empty: nowhere
     };
-    /// All walks of one search together; of places that nobody chose only, when `chosenIsFree`.
     struct Limits {
-        double totalMs = 2000.0;
-        bool chosenIsFree = false;
+        double totalMs = 2000.0; ///< all walks of one search together
+        double placeMs = 2000.0; ///< one place that nobody chose
     };
+    /// When there is somebody to ask, and to wait.
+    static constexpr Limits whileWatched{1e9, 10000.0};
 
     /// `goOn` is asked at every folder.
     SampleSearch(Places places, Limits limits, std::function<bool()> goOn,
@@ -34,18 +35,22 @@ class SampleSearch {
     /// there; empty when nothing is found.
     std::string find(const std::string& missingPath);
 
+    /// The user says where to look from now on: a search path.
+    void choose(const std::string& folder) { places_.chosenFolder = folder; }
+
   private:
     struct Walk {
         std::vector<std::string> waiting; // folders, the next one last
         std::unordered_map<std::string, std::string> byName, byFoldedName;
-        bool chosen = false;
+        double spentMs = 0.0;
     };
 
-    std::string findBelow(const std::string& folder, const std::string& name, bool chosen);
-    bool mayWalk(const std::string& folder, bool chosen) const;
-    bool stepInto(Walk& walk);
+    std::string findBelow(const std::string& searchPath, const std::string& name, bool chosen);
+    std::string findInFolder(const std::string& folder, const std::string& name, bool chosen);
+    bool mayGoOn(const Walk& walk, bool chosen) const;
+    void stepInto(Walk& walk);
 
-    const Places places_;
+    Places places_;
     const Limits limits_;
     const std::function<bool()> goOn_;
     const Clock& clock_;

@@ -47,12 +47,16 @@ Settings::~Settings() {
 }
 
 juce::String Settings::get(const juce::String& key, const juce::String& fallback) const {
-    return file_ ? file_->getValue(key, fallback) : fallback;
+    if (!file_) return fallback;
+    const juce::ScopedLock hold(file_->getLock());
+    if (!file_->needsToBeSaved()) file_->reload(); // another instance may have written
+    return file_->getValue(key, fallback);
 }
 
 void Settings::set(const juce::String& key, const juce::String& value) {
     if (!file_) return;
     const WriteLock lock;
+    const juce::ScopedLock hold(file_->getLock()); // which the framework does not take to reload
     file_->reload();
     file_->setValue(key, value);
     file_->saveIfNeeded();

@@ -7,8 +7,13 @@
 
 namespace zarno {
 
-/// Texts kept per user in one small file, shared by all instances: each change is written at once, on top of
-/// what others have written meanwhile. Any thread.
+namespace settingKey {
+inline constexpr const char* missingFolder = "missing folder"; // where the user last found missing samples
+}
+
+/// Texts kept per user in one small file, shared by all instances of all programs: each change is written at
+/// once, on top of what others have written meanwhile, and read by all that ask later. Any thread that may
+/// read a file.
 class Settings {
   public:
     /// An invalid file gives settings that keep nothing.

@@ -30,6 +30,14 @@ std::string homeFolder() {
     return specialFolder(juce::File::userHomeDirectory).getFullPathName().toStdString();
 }
 
+juce::File defaultSampleFolder() {
+#ifdef _WIN32
+    return juce::File("c:\\");
+#else
+    return specialFolder(juce::File::userHomeDirectory);
+#endif
+}
+
 std::string userLibraryFolder() {
 #ifdef _WIN32
     const auto base = specialFolder(juce::File::userDocumentsDirectory).getFullPathName().toStdString();

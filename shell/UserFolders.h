@@ -18,4 +18,8 @@ juce::File settingsFileLocation();
 /// The user's home folder.
 std::string homeFolder();
 
+/// Where looking for samples begins when the user has never said where they are: the first drive, or the home
+/// folder where there are no drives.
+juce::File defaultSampleFolder();
+
 } // namespace zarno

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/SampleSearch.h"
+#include "shell/SearchPath.h"
 #include "tests/support/TempFolder.h"
 
 #include "platform/Paths.h"
@@ -88,10 +89,35 @@ TEST_F(SampleSearching, EndsWhenToldOrOutOfTime) {
         systemClock());
     EXPECT_EQ(slow.find("/gone/y.wav"), "");
     EXPECT_GT(stepsTaken, 50);
-    SampleSearch noTime({at("chosen"), ""}, {0.0, false}, {}, clock);
+    SampleSearch noTime({at("chosen"), ""}, {0.0, 1e9}, {}, clock);
     EXPECT_EQ(noTime.find("/gone/x.wav"), "");
-    SampleSearch free({at("chosen"), ""}, {0.0, true}, {}, clock);
-    EXPECT_NE(free.find("/gone/x.wav"), "") << "the user chose this place and may wait";
+}
+
+TEST_F(SampleSearching, WatchedItTakesTenSecondsWhereNobodyChose) {
+    struct : Clock {
+        double nowMs() const override { return now += 1000.0; } // so long does each folder take
+        mutable double now = 0.0;
+    } slow;
+    for (int i = 0; i < 50; ++i)
+        folder.write("home/" + std::to_string(i) + "/x.wav", "");
+    SampleSearch watched(
+        {"", at("home")}, SampleSearch::whileWatched, [this] { return ++stepsTaken > 0; }, slow);
+    EXPECT_EQ(watched.find(at("gone/y.wav")), "");
+    EXPECT_EQ(stepsTaken, 1 + 11) << "one for what is gone";
+    watched.choose(at("home"));
+    EXPECT_EQ(watched.find(at("gone/y.wav")), "");
+    EXPECT_EQ(stepsTaken, 12 + 41) << "now somebody has; what was seen is not read again";
+}
+
+TEST_F(SampleSearching, APlaceMayNameSeveralFolders) {
+    folder.write("a;b/C4.wav", "");
+    folder.write("c/D4.wav", "");
+    folder.write("d; e/E4.wav", "");
+    const std::string several = " " + at("c") + " ;; \"" + at("d; e") + "\";" + at("gone");
+    EXPECT_EQ(searchPathFolders(several), (std::vector{at("c"), at("d; e"), at("gone")}));
+    EXPECT_EQ(searchPathFolders(at("a;b")), std::vector{at("a;b")}) << "a folder of that name is there";
+    EXPECT_EQ(searchPathFolders(" ; "), std::vector<std::string>());
+    EXPECT_EQ(search(several).find(at("gone/E4.wav")), at("d; e/E4.wav"));
 }
 
 #ifndef _WIN32

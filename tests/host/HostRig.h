@@ -5,6 +5,7 @@
 #include "tests/support/TempFolder.h"
 #include "tools/vsthost/HostedPlugin.h"
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -56,6 +57,11 @@ Rendered render(HostedPlugin& plugin, int frames, const std::vector<TimedEvent>&
 
 /// The first frame that is not silent; -1 when all are.
 int firstSound(const std::vector<float>& samples);
+
+/// Of a chunk: its path with the zero byte.
+inline std::size_t pathBytes(const std::vector<std::uint8_t>& chunk) {
+    return static_cast<std::size_t>(std::find(chunk.begin(), chunk.end(), 0) - chunk.begin()) + 1;
+}
 
 inline std::vector<std::uint8_t> noteOn(int key, int velocity = 100) {
     return {0x90, static_cast<std::uint8_t>(key), static_cast<std::uint8_t>(velocity)};

@@ -11,10 +11,6 @@
 namespace zarno::test {
 namespace {
 
-std::size_t pathBytes(const std::vector<std::uint8_t>& chunk) {
-    return static_cast<std::size_t>(std::find(chunk.begin(), chunk.end(), 0) - chunk.begin()) + 1;
-}
-
 std::vector<std::uint8_t> withPath(const std::vector<std::uint8_t>& chunk, const std::string& path) {
     std::vector<std::uint8_t> changed(path.begin(), path.end());
     changed.push_back(0);
@@ -39,6 +35,32 @@ TEST(MovedLibraries, TheInstrumentOfTheSameNameStandsIn) {
     ASSERT_TRUE(plugin->waitForLoading(20.0));
     EXPECT_EQ(askPlugin(*plugin).currentProgram, 1);
     EXPECT_EQ(plugin->chunk(), withPath(wanted, path));
+}
+
+// A project keeps full paths; here module, library and all went elsewhere since.
+TEST(MovedLibraries, TheWholeFolderMovedWithItsInstruments) {
+    std::vector<std::uint8_t> saved;
+    std::string before;
+    HostRig now;
+    {
+        HostRig then;
+        for (const HostRig* rig : {&then, &now})
+            for (int i = 0; i < 3; ++i)
+                rig->folder().write("Pack.instruments/sub/" + std::to_string(i) + ".zse",
+                                    levelInstrument("I", 0.125 * (i + 1)).bytes());
+        const auto plugin = then.loadActive();
+        ASSERT_TRUE(plugin);
+        plugin->selectProgram(2);
+        ASSERT_TRUE(plugin->waitForLoading(20.0));
+        saved = withVolume(plugin->chunk(), -6.0f);
+        before = then.folder().path().string();
+    }
+    ASSERT_FALSE(std::filesystem::exists(before));
+    const auto plugin = now.loadActive();
+    ASSERT_TRUE(plugin);
+    plugin->restore(saved);
+    EXPECT_EQ(askPlugin(*plugin).currentProgram, 2);
+    EXPECT_NEAR(render(*plugin, 1000, {{0, noteOn(60)}}).left[900], 0.375 * 0.501, 1e-3);
 }
 
 TEST(MovedLibraries, WithoutItsLibraryAProjectLosesNothing) {
