@@ -37,7 +37,7 @@ int freeLayer(const ImportedZone& zone, const std::vector<Taken>& others) {
 
 } // namespace
 
-void assignChokeIds(std::vector<MappedGroup>& groups) {
+void assignChokeIds(std::vector<MappedGroup>& groups, ImportReport& report) {
     std::map<int, std::vector<Taken>> classes;
     std::map<std::pair<int, int>, int> ids; // of class and layer
     for (MappedGroup& group : groups)
@@ -46,6 +46,9 @@ void assignChokeIds(std::vector<MappedGroup>& groups) {
             auto& others = classes[zone.choke];
             const Taken taken{&zone, freeLayer(zone, others)};
             others.push_back(taken);
+            if (taken.layer > 0)
+                report.add("layers that are cut together", "each layer is cut by layers of its place",
+                           zone.place);
             ids.try_emplace({zone.choke, taken.layer}, static_cast<int>(ids.size()) + 1);
         }
     for (auto& [choke, zones] : classes)

@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/FileNames.h"
 
-#include <algorithm>
-#include <cctype>
+#include "tools/import/LowerCase.h"
 
 namespace zarno {
 namespace {
 
 constexpr std::size_t longest = 80; // bytes
-
-std::string lowerCase(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::string harmless(std::string_view wish) {
     std::string name(wish.substr(0, longest));

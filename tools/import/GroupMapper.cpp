@@ -2,6 +2,7 @@
 #include "tools/import/GroupMapper.h"
 
 #include "tools/import/Alternations.h"
+#include "tools/import/NoteNames.h"
 
 #include <algorithm>
 #include <map>
@@ -90,6 +91,7 @@ void GroupMapper::makeGroup(const Profile& profile, Kind kind, std::vector<Impor
                             const std::string& suffix) {
     MappedGroup group;
     group.name = nameOf(profile, kind) + suffix;
+    if (profile.isKeyswitched() && !zones.front().group.empty()) group.name = zones.front().group;
     GroupRecord& record = group.record;
     record.trigger = static_cast<std::int32_t>(profile.condition.kind);
     const int number = profile.condition.number;
@@ -193,11 +195,6 @@ std::vector<MappedGroup> mapGroups(std::vector<ImportedZone> zones, std::optiona
     for (ImportedZone& zone : zones)
         mapper.add(std::move(zone));
     return mapper.map();
-}
-
-std::string keyName(int key) {
-    static constexpr const char* names[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
-    return names[((key % 12) + 12) % 12] + std::to_string(key / 12 - 1);
 }
 
 } // namespace zarno

@@ -28,9 +28,6 @@ std::vector<ImportedZone> splitByKey(const std::vector<ImportedZone>& zones);
 
 /// Gives the zones that cut each other ids of their own. Layers that sound together must not share one: the
 /// second would cut the first.
-void assignChokeIds(std::vector<MappedGroup>& groups);
-
-/// "C4" for 60.
-std::string keyName(int key);
+void assignChokeIds(std::vector<MappedGroup>& groups, ImportReport& report);
 
 } // namespace zarno

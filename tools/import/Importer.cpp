@@ -69,7 +69,7 @@ void Import::mapZones() {
     }
     if (zones.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
     groups_ = mapGroups(std::move(zones), source_.firstKeyswitch, report_);
-    assignChokeIds(groups_);
+    assignChokeIds(groups_, report_);
 }
 
 SampleForms Import::formsFor(std::uint64_t chunk, ImportReport& report) {

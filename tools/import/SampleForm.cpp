@@ -54,7 +54,8 @@ void SampleForms::add(const ImportedZone& zone) {
 void SampleForms::setPoints(const ImportedZone& zone, std::size_t index, ZoneRecord& record) const {
     const SampleForm& form = forms_[index];
     record.startFrame = zone.start;
-    record.endFrame = form.passes > 0 ? form.writtenFrames() - 1 : std::min(zone.end, form.frames);
+    // A voice does not play the frame from which it would reach its end.
+    record.endFrame = form.passes > 0 ? form.writtenFrames() - 1 : std::min(zone.end, form.frames) + 1;
     record.loopMode = static_cast<std::int32_t>(zone.loop == LoopMode::OneShot ? LoopMode::OneShot
                                                 : form.passes > 0              ? LoopMode::Loop
                                                                                : LoopMode::None);

@@ -66,7 +66,7 @@ std::optional<SamplePool::Entry> SamplePool::find(const std::string& path, const
     auto found = known_.find(path);
     if (found == known_.end()) found = known_.emplace(path, open(path)).first;
     if (found->second.sample) return Entry{*found->second.sample, &found->second.info};
-    report_.add(found->second.fault, "zone left out", place + ": " + path);
+    report_.add(found->second.fault, "zone left out", place + ": " + utf8Text(filePath(path).filename()));
     return std::nullopt;
 }
 

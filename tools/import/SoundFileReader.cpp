@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SoundFileReader.h"
 
+#include "tools/import/InstChunk.h"
 #include "tools/zarno/MakerError.h"
 
 #include <sndfile.h>
@@ -75,19 +76,12 @@ SoundFormat formatOf(const SF_INFO& info) {
     return format;
 }
 
-void readInstrumentChunk(const OpenSound& sound, SoundFileInfo& info) {
+void readSamplerChunk(const OpenSound& sound, SoundFileInfo& info) {
     SF_INSTRUMENT chunk;
     std::memset(&chunk, 0, sizeof chunk);
     if (sf_command(sound.get(), SFC_GET_INSTRUMENT, &chunk, sizeof chunk) != SF_TRUE) return;
     if (chunk.basenote > 0) info.rootKey = chunk.basenote;
     info.tune = -chunk.detune; // it says how sharp the recording is
-    // Fields of a chunk that the file lacks are 0 or -1.
-    const ImportedRange keys{std::max<int>(chunk.key_lo, 0), chunk.key_hi};
-    if (keys.high > 0 && !keys.isEmpty() && keys != ImportedRange()) info.keys = keys;
-    const ImportedRange velocities{std::max<int>(chunk.velocity_lo, 0), chunk.velocity_hi};
-    if (velocities.high > 0 && !velocities.isEmpty() && velocities.high - velocities.low < 126)
-        info.velocities = velocities;
-    if (chunk.gain > -100 && chunk.gain < 100) info.gain = chunk.gain;
     const auto& loop = chunk.loops[0];
     info.hasLoop = chunk.loop_count > 0 && loop.mode != SF_LOOP_NONE;
     if (info.hasLoop) info.loopStart = loop.start, info.loopEnd = loop.end;
@@ -103,7 +97,8 @@ std::optional<SoundFileInfo> readSoundFileInfo(const std::string& path, std::str
     }
     SoundFileInfo info;
     info.format = formatOf(sound.info());
-    readInstrumentChunk(sound, info);
+    readSamplerChunk(sound, info);
+    readInstChunk(path, info);
     return info;
 }
 

@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tools/import/sfz/SfzRegion.h"
+
+#include <vector>
+
+namespace zarno {
+
+/// What regions mean only together: which of them alternate by chance, and which cut each other.
+void connectSfzRegions(std::vector<SfzRegion>& regions, ImportReport& report);
+
+} // namespace zarno

@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/sfz/SfzReader.h"
+
+#include "tools/import/Readers.h"
+#include "tools/import/sfz/SfzNeighbours.h"
+#include "tools/zarno/FilePaths.h"
+#include "tools/zarno/MakerError.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace zarno {
+namespace {
+
+constexpr std::size_t mostRegions = 1u << 18;
+
+class SfzReader {
+  public:
+    SfzReader(const SfzFiles& files, ImportReport& report)
+        : files_(files)
+        , report_(report) {}
+
+    ImportedInstrument read(const std::vector<SfzSection>& sections);
+
+  private:
+    void section(const SfzSection& section);
+    void control(const SfzSection& section);
+    void level(SfzOpcodes::Level level, const SfzSection& section);
+    void region(const std::string& place);
+
+    const SfzFiles& files_;
+    ImportReport& report_;
+    SfzControl control_;
+    SfzOpcodes opcodes_;
+    std::vector<SfzRegion> regions_;
+    ImportedInstrument instrument_;
+};
+
+std::string forwardSlashes(std::string path) {
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+void SfzReader::control(const SfzSection& section) {
+    bool setsControllers = false;
+    std::optional<int> notes, octaves;
+    for (const SfzOpcode& opcode : section.opcodes) {
+        const auto number = SfzOpcodes::numberFrom(opcode.value);
+        const int keys = static_cast<int>(std::clamp(number.value_or(0.0), -127.0, 127.0));
+        if (opcode.name == "default_path") control_.defaultPath = opcode.value;
+        if (opcode.name == "note_offset") notes = keys;
+        if (opcode.name == "octave_offset") octaves = keys;
+        if (opcode.name.starts_with("set_cc") && number.value_or(0.0) != 0.0) setsControllers = true;
+    }
+    if (notes || octaves)
+        control_.noteOffset = std::clamp(notes.value_or(0) + 12 * octaves.value_or(0), -127, 127);
+    if (setsControllers) report_.add("set_ccN", "controllers start at 0", section.place);
+}
+
+void SfzReader::level(SfzOpcodes::Level level, const SfzSection& section) {
+    opcodes_.begin(level);
+    for (const SfzOpcode& opcode : section.opcodes)
+        opcodes_.set(level, opcode);
+    const std::string* polyphony = opcodes_.findAt(level, "polyphony");
+    if (polyphony && level == SfzOpcodes::Global)
+        if (const auto voices = SfzOpcodes::numberFrom(*polyphony); voices && *voices >= 1.0)
+            instrument_.polyphony = static_cast<int>(std::min(*voices, 1e6));
+}
+
+void SfzReader::region(const std::string& place) {
+    const std::string sample = opcodes_.text("sample");
+    if (sample.empty() || sample.front() == '*') {
+        report_.add(sample.empty() ? "region without a sample" : "generated sound " + sample, "left out",
+                    place);
+        return;
+    }
+    if (regions_.size() >= mostRegions) throw MakerError(place, "there are too many regions");
+    const auto entry = files_.sample(forwardSlashes(control_.defaultPath + sample), place);
+    if (!entry) return;
+    auto region = readSfzRegion(opcodes_, control_, *entry->info, place, report_);
+    if (!region) return;
+    region->zone.sample = entry->sample;
+    if (const auto first = opcodes_.key("sw_default"))
+        instrument_.firstKeyswitch = *first + control_.noteOffset;
+    regions_.push_back(std::move(*region));
+}
+
+void SfzReader::section(const SfzSection& section) {
+    if (section.header == "control") return control(section);
+    if (section.header == "global") return level(SfzOpcodes::Global, section);
+    if (section.header == "master") return level(SfzOpcodes::Master, section);
+    if (section.header == "group") return level(SfzOpcodes::Group, section);
+    if (section.header == "region") {
+        level(SfzOpcodes::Region, section);
+        return region(section.place);
+    }
+    report_.add(section.header.empty() ? "opcodes before the first header"
+                                       : "header <" + section.header + '>',
+                "ignored", section.place);
+}
+
+ImportedInstrument SfzReader::read(const std::vector<SfzSection>& sections) {
+    for (const SfzSection& one : sections)
+        section(one);
+    connectSfzRegions(regions_, report_);
+    for (SfzRegion& region : regions_)
+        instrument_.zones.push_back(std::move(region.zone));
+    return std::move(instrument_);
+}
+
+std::optional<std::string> readTextFile(const std::string& path) {
+    const std::string found = findFile(path);
+    if (found.empty()) return std::nullopt;
+    std::error_code failed;
+    if (std::filesystem::file_size(filePath(found), failed) > SfzLimits::textBytes || failed)
+        throw MakerError(path, "the text is too long");
+    std::ifstream file(filePath(found), std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+} // namespace
+
+ImportedInstrument parseSfz(std::string_view text, const std::string& fileName, const SfzFiles& files,
+                            ImportReport& report) {
+    const auto lines = readSfzLines(text, fileName, files.include, report);
+    return SfzReader(files, report).read(parseSfzSections(lines, report));
+}
+
+ImportedInstrument readSfz(const std::string& path, ImportReport& report) {
+    const std::filesystem::path file = filePath(path), folder = file.parent_path();
+    const auto beside = [&folder](const std::string& name) { return utf8Text(folder / filePath(name)); };
+    const auto text = readTextFile(path);
+    if (!text) throw MakerError(path, "the file cannot be read");
+    SamplePool pool(report);
+    SfzFiles files;
+    files.include = [&](const std::string& name) { return readTextFile(beside(name)); };
+    files.sample = [&](const std::string& name, const std::string& place) {
+        return pool.find(beside(name), place);
+    };
+    ImportedInstrument instrument = parseSfz(*text, utf8Text(file.filename()), files, report);
+    instrument.name = utf8Text(file.stem());
+    instrument.samples = pool.takeSamples();
+    return instrument;
+}
+
+} // namespace zarno
