@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/LayoutReader.h"
+#include "gui/LayoutFormat.h"
 
 namespace zarno {
 

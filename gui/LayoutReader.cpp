@@ -8,10 +8,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace zarno {
 
-const std::vector<int> layoutColourIds = {
+namespace {
+
+// The vocabulary gives the framework's colours by number.
+constexpr int frameworkColours[] = {
     juce::Slider::rotarySliderOutlineColourId,
     juce::Slider::rotarySliderFillColourId,
     juce::TextButton::buttonColourId,
@@ -27,8 +31,9 @@ const std::vector<int> layoutColourIds = {
     juce::ComboBox::arrowColourId,
     juce::ComboBox::backgroundColourId,
 };
-
-namespace {
+static_assert(std::equal(std::begin(frameworkColours), std::end(frameworkColours), std::begin(layoutColours),
+                         std::end(layoutColours),
+                         [](int framework, const LayoutColour& ours) { return framework == ours.id; }));
 
 // A decimal integer at the start of the text; whatever is too large for the range is cut to it.
 int integer(const juce::String& text, int limit) {
@@ -64,13 +69,8 @@ class Attributes {
 };
 
 std::optional<ControlKind> kindOf(const juce::String& tag) {
-    constexpr std::pair<const char*, ControlKind> kinds[] = {{"label", ControlKind::Label},
-                                                             {"knob", ControlKind::Knob},
-                                                             {"combo", ControlKind::Combo},
-                                                             {"button", ControlKind::Button},
-                                                             {"keyboard", ControlKind::Keyboard}};
-    for (const auto& [name, kind] : kinds)
-        if (tag.equalsIgnoreCase(name)) return kind;
+    for (const auto& known : controlTags)
+        if (tag.equalsIgnoreCase(known.tag.data())) return known.kind;
     return {};
 }
 
@@ -110,10 +110,10 @@ ControlDescription readControl(ControlKind kind, const juce::XmlElement& element
     control.extra = attributes.text("9", "-1");
     for (const char* name : {"3", "4", "5", "6", "7", "8"})
         if (const auto* text = attributes.find(name)) control.given.emplace_back(name, *text);
-    for (const int id : layoutColourIds) {
-        const juce::String name(id + layoutColourOffset);
+    for (const LayoutColour& colour : layoutColours) {
+        const juce::String name(colour.id + layoutColourOffset);
         if (const auto* text = attributes.find(name)) {
-            control.colours.emplace_back(id, juce::Colour::fromString(*text));
+            control.colours.emplace_back(colour.id, juce::Colour::fromString(*text));
             control.given.emplace_back(name, *text);
         }
     }

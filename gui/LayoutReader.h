@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "gui/LayoutFormat.h"
+
 #include <juce_graphics/juce_graphics.h>
 
 #include <optional>
@@ -11,8 +13,6 @@
 #include <vector>
 
 namespace zarno {
-
-enum class ControlKind { Label, Knob, Combo, Button, Keyboard };
 
 // One control of a panel as its element describes it: plain values, defaults filled in. Lengths are panel
 // pixels.
@@ -62,12 +62,5 @@ struct LayoutLimits {
 
 // Reads the layout text of an instrument (any bytes). Pure: no component, no decoding of images.
 std::variant<Layout, LayoutProblem> readLayout(std::string_view text);
-
-// The colours that a layout may set, in order. An attribute's name is the id plus layoutColourOffset.
-extern const std::vector<int> layoutColourIds;
-inline constexpr int layoutColourOffset = 100;
-
-// The layout of instruments that bring none: 593 x 242, six knobs, two labels, a keyboard and a stop button.
-extern const char* const defaultLayout;
 
 } // namespace zarno

@@ -92,7 +92,7 @@ TEST(LayoutText, EveryColourIsReadByItsNumberPlusAHundredAndNoOther) {
         {"16777957", 0x1000281}, {"16797796", 0x1005000}, {"16797797", 0x1005001}, {"16797799", 0x1005003},
         {"16797798", 0x1005002}, {"16779876", 0x1000a00}, {"16780388", 0x1000c00}, {"16780644", 0x1000d00},
         {"16780900", 0x1000e00}, {"16780132", 0x1000b00}};
-    ASSERT_EQ(layoutColourIds.size(), std::size(colours));
+    ASSERT_EQ(std::size(layoutColours), std::size(colours));
     for (const auto& [attribute, id] : colours) {
         const auto control = readOne(std::string("<combo ") + attribute + "=\"8012abEF\"/>");
         ASSERT_EQ(control.colours.size(), 1u) << attribute;

@@ -114,7 +114,7 @@ TEST_F(PanelFromLayout, EachElementBecomesItsKindOfControl) {
 }
 
 TEST_F(PanelFromLayout, EveryColourReachesItsControl) {
-    for (const int id : layoutColourIds) {
+    for (const auto& [id, kind, what] : layoutColours) {
         build("<combo " + std::to_string(id + layoutColourOffset) + "='66dfc4c4'/>");
         EXPECT_EQ(panel.controls().combos[0]->findColour(id), juce::Colour(0x66dfc4c4)) << id;
     }
