@@ -1,8 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "platform/File.h"
 #include "tools/common/ProgressBar.h"
+#ifdef ZARNO_HAS_DRAWING
+#include "tools/draw/AutoPanel.h"
+#endif
 #include "tools/import/Importer.h"
 #include "tools/import/LowerCase.h"
 #include "tools/import/Readers.h"
+#include "tools/import/SoundFontFile.h"
+#include "tools/import/SoundFontLibrary.h"
 #include "tools/zarno/Commands.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
@@ -18,6 +24,7 @@ namespace {
 
 struct Arguments {
     std::string source, out;
+    std::string preset, panel;
     bool embed = false, stream = false, memory = false, json = false;
     FolderOptions folder;
 };
@@ -32,23 +39,47 @@ ImportedInstrument readSource(const Arguments& arguments, ImportReport& report) 
     }
     if (!std::filesystem::exists(path)) throw MakerError(arguments.source, "there is no such file or folder");
     if (lowerCase(utf8Text(path.extension())) == ".sfz") return readSfz(arguments.source, report);
-    throw MakerError(arguments.source, "this is neither an SFZ file nor a folder");
+    throw MakerError(arguments.source, "this is neither an SFZ file, a SoundFont, nor a folder");
+}
+
+// Of a SoundFont one preset, or all into a folder.
+void importSource(const Arguments& arguments, const ImportOptions& options, ImportReport& report) {
+    if (lowerCase(utf8Text(filePath(arguments.source).extension())) != ".sf2")
+        return importInstrument(readSource(arguments, report), options, report);
+    const SoundFontFile file = SoundFontFile::read(arguments.source);
+    if (!arguments.preset.empty()) return importSoundFont(file, arguments.preset, options, report);
+    if (filePath(arguments.out).extension() == ".zse")
+        throw MakerError(arguments.out, "name a preset (--preset), or a folder for all of them");
+    importAllPresets(file, options, report);
+}
+
+// "auto" draws a panel; anything else names a layout file.
+void addPanel(const std::string& panel, InstrumentFile& file) {
+#ifdef ZARNO_HAS_DRAWING
+    if (panel == "auto") return addAutoPanel(file);
+#endif
+    File layout(panel);
+    if (!layout.isOpen()) throw MakerError(panel, "the layout cannot be read");
+    file.layout.bytes.resize(static_cast<std::size_t>(layout.size()));
+    if (layout.read(file.layout.bytes.data(), file.layout.bytes.size()) != file.layout.bytes.size())
+        throw MakerError(panel, "the layout cannot be read");
 }
 
 void import(const Arguments& arguments) {
     ImportReport report;
     report.source = arguments.source;
-    const ImportedInstrument source = readSource(arguments, report);
     ImportOptions options;
     options.out = arguments.out;
     options.embed = arguments.embed;
     options.storage = arguments.stream   ? SampleStorage::Stream
                       : arguments.memory ? SampleStorage::Memory
                                          : SampleStorage::Auto;
+    if (!arguments.panel.empty())
+        options.finish = [&arguments](Model& model) { addPanel(arguments.panel, model.file); };
     {
         ProgressBar progress("Importing");
         options.progress = [&progress](double fraction) { progress.show(fraction); };
-        importInstrument(source, options, report);
+        importSource(arguments, options, report);
     }
     if (arguments.json)
         std::cout << report.toJson().dump(1) << '\n';
@@ -63,14 +94,22 @@ void addImportCommand(CLI::App& program) {
     CLI::App* command =
         program.add_subcommand("import", "Make an instrument file from another format or a folder of sounds");
     command
-        ->add_option("SOURCE", arguments->source, "An SFZ file, or a folder of sounds or with a drumkit.xml")
+        ->add_option("SOURCE", arguments->source,
+                     "An SFZ file, a SoundFont, or a folder of sounds or with a drumkit.xml")
         ->required();
-    command->add_option("OUT", arguments->out, "The instrument file to write (*.zse)")->required();
+    command
+        ->add_option("OUT", arguments->out,
+                     "The instrument file to write (*.zse); a folder for all presets of a SoundFont")
+        ->required();
     command->add_flag("--embed", arguments->embed, "Put the samples into the instrument file");
     auto* stream = command->add_flag("--stream", arguments->stream, "Samples are streamed from disk");
     command->add_flag("--memory", arguments->memory, "Samples are read into memory")->excludes(stream);
     command->add_option("--pattern", arguments->folder.pattern,
                         "How file names of a folder are to be read: {key}, {velocity}, {robin}, {name}, {}");
+    command->add_option("--preset", arguments->preset,
+                        "One preset of a SoundFont: its program, bank:program, or its name");
+    command->add_option("--panel", arguments->panel,
+                        "\"auto\": draw a panel with the name and the knobs that matter; or a layout file");
     command->add_flag("--json", arguments->json, "Report for programs to read");
     command->callback([arguments] { import(*arguments); });
 }

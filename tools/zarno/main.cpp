@@ -14,10 +14,15 @@ enum ExitCode { success = 0, badInput = 1, badUsage = 2 };
 
 constexpr void (*commands[])(CLI::App&) = {
     zarno::addBrandCommand,
+    zarno::addCheckCommand,
     zarno::addInfoCommand,
+#ifdef ZARNO_HAS_DRAWING
+    zarno::addMapCommand,
+#endif
     zarno::addPackCommand,
 #ifdef ZARNO_HAS_IMPORT
     zarno::addImportCommand,
+    zarno::addPresetsCommand,
 #endif
     zarno::addUnpackCommand,
 #ifdef ZARNO_HAS_RENDER

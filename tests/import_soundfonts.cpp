@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tests/support/Chance.h"
+#include "tests/support/RawBytes.h"
+#include "tests/support/TempFolder.h"
+#include "tools/import/SoundFontImport.h"
+#include "tools/import/SoundFontLibrary.h"
+#include "tools/zarno/InstrumentReport.h"
+#include "tools/zarno/MakerError.h"
+
+#include <gmock/gmock.h>
+
+#include <cmath>
+
+namespace zarno {
+namespace {
+
+using namespace test;
+using testing::HasSubstr;
+using G = Generator;
+
+// A SoundFont of one preset with one instrument, built from lists of generators.
+struct SoundFontBuilder {
+    using Zone = std::vector<std::pair<G, int>>;
+    std::vector<Zone> preset = {{{G::Instrument, 0}}};
+    std::vector<Zone> instrument = {{{G::SampleId, 0}}};
+    std::vector<std::pair<std::size_t, SoundFontModulator>> modulators; // of the instrument's zones
+    struct Sample {
+        int points, loopStart, loopEnd, link, type;
+    };
+    std::vector<Sample> samples = {{1000, 100, 900, 0, 1}};
+
+    static std::string chunk(const std::string& id, const std::string& body) {
+        return id + raw(static_cast<std::uint32_t>(body.size())) + body + std::string(body.size() & 1, '\0');
+    }
+    static std::string name(std::string text) {
+        text.resize(20);
+        return text;
+    }
+    static std::string word(int value) { return raw(static_cast<std::uint16_t>(value)); }
+
+    std::string lists(const std::vector<Zone>& zones, char kind, bool withModulators) const {
+        std::string bags, generators, mods;
+        int generator = 0, modulator = 0;
+        for (std::size_t i = 0; i <= zones.size(); ++i) {
+            bags += word(generator) + word(modulator);
+            if (i == zones.size()) break;
+            for (const auto& [id, amount] : zones[i]) {
+                generators += word(static_cast<int>(id)) + word(amount);
+                ++generator;
+            }
+            for (const auto& [zone, m] : modulators)
+                if (withModulators && zone == i) {
+                    mods += word(m.source) + word(m.destination) + word(m.amount) + word(m.amountSource) +
+                            word(0);
+                    ++modulator;
+                }
+        }
+        const std::string p(1, kind);
+        return chunk(p + "bag", bags) + chunk(p + "mod", mods + std::string(10, '\0')) +
+               chunk(p + "gen", generators + std::string(4, '\0'));
+    }
+
+    std::string bytes() const {
+        std::string data, headers;
+        for (std::size_t i = 0; i < samples.size(); ++i) {
+            const Sample& s = samples[i];
+            const auto start = static_cast<std::uint32_t>(data.size() / 2);
+            for (int k = 0; k < s.points; ++k)
+                data += raw(static_cast<std::int16_t>(1000 * (static_cast<int>(i) + 1) + k % 7));
+            headers += name("S" + std::to_string(i)) +
+                       raw(start, start + static_cast<std::uint32_t>(s.points),
+                           start + static_cast<std::uint32_t>(s.loopStart),
+                           start + static_cast<std::uint32_t>(s.loopEnd), std::uint32_t{44100}) +
+                       std::string("\x3c\x05", 2) + word(s.link) + word(s.type);
+        }
+        const auto header = [](const char* text, int bag) {
+            return name(text) + word(12) + word(3) + word(bag) + std::string(12, '\0');
+        };
+        const int presetZones = static_cast<int>(preset.size()), zones = static_cast<int>(instrument.size());
+        const std::string hydra =
+            chunk("phdr", header("Bell", 0) + header("EOP", presetZones)) + lists(preset, 'p', false) +
+            chunk("inst", name("Bell") + word(0) + name("EOI") + word(zones)) + lists(instrument, 'i', true) +
+            chunk("shdr", headers + std::string(46, '\0'));
+        return chunk("RIFF", "sfbk" + chunk("LIST", "INFO" + chunk("INAM", "Test")) +
+                                 chunk("LIST", "sdta" + chunk("smpl", data)) + chunk("LIST", "pdta" + hydra));
+    }
+};
+
+class SoundFonts : public testing::Test {
+  protected:
+    ImportedInstrument import(const SoundFontBuilder& builder) {
+        file = SoundFontFile::read(folder.write("a.sf2", builder.bytes()));
+        report = {};
+        return importPreset(file, file.presets.at(0), report);
+    }
+    // The only zone of an instrument whose only zone has these generators.
+    ImportedZone zone(SoundFontBuilder::Zone generators, SoundFontBuilder::Zone preset = {}) {
+        SoundFontBuilder builder;
+        generators.emplace_back(G::SampleId, 0);
+        preset.emplace_back(G::Instrument, 0);
+        builder.instrument = {generators};
+        builder.preset = {preset};
+        const auto made = import(builder);
+        EXPECT_EQ(made.zones.size(), 1u);
+        return made.zones.empty() ? ImportedZone() : made.zones[0];
+    }
+
+    TempFolder folder;
+    SoundFontFile file;
+    ImportReport report;
+};
+
+TEST_F(SoundFonts, ABareZoneHasTheFormatsDefaults) {
+    const auto bare = zone({});
+    EXPECT_EQ(file.presets[0].bank, 3);
+    EXPECT_EQ(file.presets[0].program, 12);
+    EXPECT_EQ(fileNameOf(file.presets[0]), "003-012 Bell");
+    EXPECT_EQ(bare.keys, (ImportedRange{0, 127}));
+    EXPECT_EQ(bare.velocities, (ImportedRange{1, 127}));
+    EXPECT_EQ(std::tuple(bare.rootKey, bare.tune, bare.keyTracking), std::tuple(60, 5.0, 100.0));
+    EXPECT_NEAR(bare.volume, 0.0, 1e-9);
+    EXPECT_NEAR(bare.pan, 0.0, 1e-9);
+    EXPECT_EQ(bare.velocityTracking, 1.0);
+    EXPECT_EQ(bare.loop, LoopMode::None);
+    EXPECT_EQ(std::tuple(bare.envelope.attack, bare.envelope.decay), std::tuple(1.0, 0.0));
+    EXPECT_TRUE(report.remarks().empty());
+}
+
+TEST_F(SoundFonts, GeneratorsOfPresetAndInstrumentAddUpWhereTheyMay) {
+    const auto range = [](int low, int high) { return low | high << 8; };
+    const auto both = zone({{G::KeyRange, range(40, 80)},
+                            {G::VelocityRange, range(10, 100)},
+                            {G::Attenuation, 100},
+                            {G::Pan, -500},
+                            {G::CoarseTune, -2},
+                            {G::FineTune, 30},
+                            {G::RootKey, 64},
+                            {G::SampleModes, 1},
+                            {G::LoopStartOffset, 7},
+                            {G::ExclusiveClass, 3}},
+                           {{G::KeyRange, range(60, 100)},
+                            {G::VelocityRange, range(0, 64)},
+                            {G::Attenuation, 50},
+                            {G::FineTune, 10},
+                            {G::RootKey, 20},
+                            {G::ExclusiveClass, 9}});
+    EXPECT_EQ(both.keys, (ImportedRange{60, 80}));
+    EXPECT_EQ(both.velocities, (ImportedRange{10, 64}));
+    EXPECT_NEAR(both.volume, -0.4 * 15.0 + 20 * std::log10(std::sqrt(2.0)),
+                1e-9); // hard left is 3 dB louder there
+    EXPECT_NEAR(both.pan, -1.0, 1e-9);
+    EXPECT_EQ(both.tune, 5 - 200 + 40);
+    EXPECT_EQ(both.rootKey, 64);
+    EXPECT_EQ(both.choke, 3);
+    EXPECT_EQ(std::tuple(both.loop, both.loopStart, both.loopEnd), std::tuple(LoopMode::Loop, 107u, 900u));
+
+    // A second instrument zone takes from the one that speaks for all what it does not say itself.
+    SoundFontBuilder builder;
+    builder.instrument = {{{G::FineTune, 11}, {G::Attenuation, 100}}, {{G::FineTune, 22}, {G::SampleId, 0}}};
+    const auto layered = import(builder);
+    EXPECT_EQ(layered.zones.at(0).tune, 5 + 22);
+    EXPECT_NEAR(layered.zones.at(0).volume, -4.0, 1e-9);
+}
+
+TEST_F(SoundFonts, FixedKeysVelocitiesAndEnvelopesBecomeWhatTheEngineHas) {
+    const auto drum = zone({{G::ScaleTuning, 0}, {G::FineTune, 50}});
+    EXPECT_EQ(std::tuple(drum.keyTracking, drum.tune), std::tuple(0.0, 55.0));
+    const auto fixed = zone({{G::FixedKey, 72}, {G::FixedVelocity, 64}});
+    EXPECT_EQ(std::tuple(fixed.keyTracking, fixed.tune, fixed.velocityTracking),
+              std::tuple(0.0, 1205.0, 0.0));
+    EXPECT_NEAR(fixed.volume, 40 * std::log10(64 / 127.0), 1e-9);
+
+    const auto piano = zone({{G::VolEnvAttack, -1200}, {G::VolEnvDecay, 1200}, {G::VolEnvSustain, 1000}});
+    EXPECT_NEAR(piano.envelope.attack, 500, 1e-6);
+    EXPECT_NEAR(piano.envelope.sustain, -96, 1e-6);
+    EXPECT_NEAR(piano.envelope.decay, 2000 * 8.6859 / 96, 0.2); // ms until 1/e, where 96 dB take two seconds
+
+    const auto swept = zone({{G::ModEnvToPitch, 200}, {G::ModEnvSustain, 500}, {G::FilterCutoff, 8000}});
+    EXPECT_EQ(swept.tune, 105);
+    EXPECT_EQ(report.count("pitch envelope"), 1u);
+    EXPECT_EQ(report.count("low-pass filter"), 1u);
+
+    SoundFontBuilder builder;
+    builder.modulators = {{0, {0x0502, 48, 480, 0, 0}}, {0, {0x0081, 6, 50, 0, 0}}};
+    EXPECT_EQ(import(builder).zones.at(0).velocityTracking, 0.5);
+    EXPECT_EQ(report.count("modulator"), 1u);
+}
+
+TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
+    SoundFontBuilder builder;
+    builder.samples = {{500, 10, 400, 1, SoundFontSample::Right}, {500, 10, 400, 0, SoundFontSample::Left}};
+    builder.instrument = {{{G::Pan, 500}, {G::SampleId, 0}}, {{G::Pan, -500}, {G::SampleId, 1}}};
+    const auto pair = import(builder);
+    ASSERT_EQ(pair.zones.size(), 1u);
+    EXPECT_NEAR(pair.zones[0].pan, 0, 1e-9);
+    const auto& sample = pair.samples.at(pair.zones[0].sample);
+    EXPECT_EQ(sample.format.channels, 2);
+    std::int16_t frames[4] = {};
+    EXPECT_EQ(sample.open()->read(frames, 2), 2u);
+    EXPECT_THAT(frames, testing::ElementsAre(2000, 1000, 2001, 1001)); // left is the second sample
+
+    builder.samples[0].points = 499; // not the same recording any more
+    EXPECT_EQ(import(builder).zones.size(), 2u);
+}
+
+TEST_F(SoundFonts, APresetBecomesAnInstrumentThatPlays) {
+    SoundFontBuilder builder;
+    builder.instrument = {{{G::SampleModes, 1}, {G::SampleId, 0}}};
+    file = SoundFontFile::read(folder.write("a.sf2", builder.bytes()));
+    ImportOptions options;
+    options.out = folder / "library";
+    options.embed = true;
+    importAllPresets(file, options, report);
+    const auto made = reportOn(folder / "library/003-012 Bell.zse");
+    EXPECT_EQ(made.file.groups.at(0).zones.size(), 1u);
+    EXPECT_TRUE(made.file.isEmbedded());
+    EXPECT_FALSE(made.file.incomplete);
+    EXPECT_EQ(made.file.settings.volume, -10.0f);
+    EXPECT_NO_THROW(findPreset(file, "3:12"));
+    EXPECT_NO_THROW(findPreset(file, "Bell"));
+    EXPECT_THROW(findPreset(file, "12"), MakerError); // of bank 0
+}
+
+// Whatever a file says, there is an instrument or a message.
+TEST_F(SoundFonts, DamagedFilesGiveAMessageOrAnInstrument) {
+    SoundFontBuilder builder;
+    builder.samples = {{60, 10, 40, 1, SoundFontSample::Right}, {60, 10, 40, 0, SoundFontSample::Left}};
+    builder.instrument = {{{G::Attenuation, 5}}, {{G::SampleModes, 1}, {G::SampleId, 0}}, {{G::SampleId, 1}}};
+    builder.modulators = {{1, {0x0502, 48, 480, 0, 0}}};
+    const std::string sound = builder.bytes();
+    int imported = 0, refused = 0;
+    for (unsigned seed = 0; seed < 10000; ++seed) {
+        Chance chance(seed);
+        std::string bytes = sound;
+        for (int i = chance.between(1, 6); i > 0; --i) {
+            const auto at = static_cast<std::size_t>(chance.between(0, static_cast<int>(bytes.size()) - 1));
+            if (chance.between(0, 9) == 0)
+                bytes.resize(at + 1);
+            else
+                bytes[at] = static_cast<char>(chance.between(0, 2) == 0 ? 255 : chance.between(0, 255));
+        }
+        try {
+            const auto damaged = SoundFontFile::read(folder.write("a.sf2", bytes));
+            for (const auto& preset : damaged.presets) {
+                const auto made = importPreset(damaged, preset, report);
+                std::vector<std::int16_t> frames(200);
+                for (const auto& sample : made.samples)
+                    sample.open()->read(frames.data(), std::min<std::uint64_t>(100, sample.format.frames));
+                ImportOptions options;
+                options.out = folder / "out.zse";
+                options.embed = true;
+                if (seed % 20 == 0) importInstrument(made, options, report);
+            }
+            ++imported;
+        } catch (const MakerError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(".sf2: "));
+            ++refused;
+        }
+    }
+    EXPECT_GT(imported, 1000);
+    EXPECT_GT(refused, 1000);
+}
+
+} // namespace
+} // namespace zarno

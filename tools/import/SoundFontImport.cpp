@@ -1,0 +1,290 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/SoundFontImport.h"
+
+#include "tools/import/EnvelopeTimes.h"
+#include "tools/import/SoundFontFrames.h"
+#include "tools/import/SoundFontVoices.h"
+#include "tools/zarno/MakerError.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <map>
+#include <numbers>
+
+namespace zarno {
+namespace {
+
+// How players of these files read their numbers; the reference implementation, where the standard and the
+// hardware it describes differ.
+constexpr double attenuationScale = 0.4;  // of initial attenuation
+constexpr double envelopeRange = 96.0;    // dB from full level to silence
+constexpr double velocityDecibels = 40.0; // for a factor of ten
+constexpr int fullVelocityAmount = 960;
+constexpr double noticeable = 5.0; // ms
+constexpr int openFilter = 13500;  // absolute cents
+constexpr int noKey = -1;
+constexpr int polyphony = 64; // presets are layered, and pairs of samples may be two voices
+
+double milliseconds(int timecents) {
+    return timecents <= -12000 ? 1.0 : 1000.0 * std::exp2(std::min(timecents, 8000) / 1200.0);
+}
+
+// Equal power from side to side, as the louder side's gain and the other one's share of it.
+void setPan(ImportedZone& zone, int pan) {
+    if (pan == 0) return;
+    const double angle = (std::clamp(pan, -500, 500) + 500) / 1000.0 * std::numbers::pi / 2;
+    const double left = std::cos(angle), right = std::sin(angle);
+    zone.pan = right > left ? 1.0 - left / right : right / left - 1.0;
+    zone.volume += 20.0 * std::log10(std::max(left, right) * std::numbers::sqrt2);
+}
+
+// The engine's level does not hold before it falls, so it falls more slowly: on the line that lies closest,
+// in dB over the time that is heard, and by 4.3 dB at most while it should hold.
+double withHold(double decay, double hold) {
+    constexpr double heard = 2000.0; // ms
+    if (hold < noticeable) return decay;
+    const double share = hold / std::max(heard, 2 * hold);
+    return std::max(decay / (1.0 - 1.5 * share + 0.5 * share * share * share), 2 * hold);
+}
+
+// The sustain level is reached in a straight line of dB here, and asymptotically there: of the same area.
+ImportedEnvelope envelopeOf(const SoundFontVoice& voice) {
+    const int middleKey = (voice.lowKey + voice.highKey) / 2;
+    ImportedEnvelope made;
+    made.attack = milliseconds(voice[Generator::VolEnvAttack]);
+    made.release = envelope::releaseOfFall(milliseconds(voice[Generator::VolEnvRelease]), envelopeRange);
+    const double sustain = std::clamp(voice[Generator::VolEnvSustain] / 1000.0, 0.0, 1.0) * envelopeRange;
+    if (sustain <= 0.0) return made;
+    const auto followed = [&](Generator time, Generator byKey) {
+        return milliseconds(voice[time] + (60 - middleKey) * voice[byKey]);
+    };
+    const double decay = followed(Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
+    const double hold = followed(Generator::VolEnvHold, Generator::KeyToVolEnvHold);
+    const double level = std::pow(10.0, -sustain / 20.0);
+    const double sameArea = 1.0 + level * std::log(level) / (1.0 - level);
+    made.sustain = -sustain;
+    made.decay = std::max(envelope::shortestDecay,
+                          withHold(envelope::decayOfFall(decay, envelopeRange) * sameArea, hold));
+    return made;
+}
+
+class PresetImport {
+  public:
+    PresetImport(const SoundFontFile& file, const SoundFontFile::Preset& preset, ImportReport& report)
+        : file_(std::make_shared<SoundFontFile>(file))
+        , preset_(preset)
+        , report_(report)
+        , place_("preset \"" + preset.name + '"') {}
+
+    ImportedInstrument run();
+
+  private:
+    void remark(const char* what, const char* instead) { report_.add(what, instead, place_); }
+    bool isPlayable(const SoundFontVoice& voice);
+    bool arePair(const SoundFontVoice& left, const SoundFontVoice& right) const;
+    void addZone(const SoundFontVoice& voice, const SoundFontVoice* right);
+    std::size_t sampleFor(std::size_t left, std::optional<std::size_t> right);
+    void setPitch(ImportedZone& zone, const SoundFontVoice& voice);
+    void setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair);
+    void setPoints(ImportedZone& zone, const SoundFontVoice& voice);
+    void reportRest(const SoundFontVoice& voice);
+
+    std::shared_ptr<const SoundFontFile> file_; // readers of frames outlive this
+    const SoundFontFile::Preset& preset_;
+    ImportReport& report_;
+    std::string place_;
+    ImportedInstrument out_;
+    std::map<std::pair<std::size_t, std::optional<std::size_t>>, std::size_t> samples_;
+};
+
+bool PresetImport::isPlayable(const SoundFontVoice& voice) {
+    const SoundFontSample& sample = file_->samples[voice.sample];
+    const bool isRom = (sample.type & 0x8000) != 0;
+    if (isRom)
+        remark("sample in a sound card's memory", "left out");
+    else if (sample.start == sample.end || sample.rate < 400 || sample.rate > 384000)
+        remark("empty sample, or one without a real sample rate", "left out");
+    else
+        return true;
+    return false;
+}
+
+// Two zones that play the sides of one recording, hard left and right, as one would.
+bool PresetImport::arePair(const SoundFontVoice& left, const SoundFontVoice& right) const {
+    const SoundFontSample &a = file_->samples[left.sample], &b = file_->samples[right.sample];
+    if (a.link != right.sample || b.link != left.sample || a.type != SoundFontSample::Left ||
+        b.type != SoundFontSample::Right)
+        return false;
+    const auto sameShape = [](const SoundFontSample& s) {
+        return std::tuple(s.end - s.start, s.loopStart - s.start, s.loopEnd - s.start, s.rate, s.rootKey,
+                          s.correction);
+    };
+    const auto ranges = [](const SoundFontVoice& v) {
+        return std::tuple(v.lowKey, v.highKey, v.lowVelocity, v.highVelocity, v.velocityAmount, v.instrument);
+    };
+    if (sameShape(a) != sameShape(b) || ranges(left) != ranges(right)) return false;
+    for (std::size_t id = 0; id < generatorCount; ++id) {
+        const auto g = static_cast<Generator>(id);
+        if (g != Generator::Pan && g != Generator::SampleId && left[g] != right[g]) return false;
+    }
+    return left[Generator::Pan] <= -500 && right[Generator::Pan] >= 500;
+}
+
+std::size_t PresetImport::sampleFor(std::size_t left, std::optional<std::size_t> right) {
+    const auto [found, isNew] = samples_.try_emplace({left, right}, out_.samples.size());
+    if (!isNew) return found->second;
+    const SoundFontSample& sample = file_->samples[left];
+    ImportedSample made;
+    made.name = sample.name;
+    made.format.sampleRate = static_cast<int>(sample.rate);
+    made.format.channels = right ? 2 : 1;
+    made.format.frames = sample.end - sample.start;
+    made.open = [file = file_, left, right] { return openFrames(*file, left, right); };
+    out_.samples.push_back(std::move(made));
+    return found->second;
+}
+
+// A zone that sounds as if one certain key were played has no key tracking.
+void PresetImport::setPitch(ImportedZone& zone, const SoundFontVoice& voice) {
+    const SoundFontSample& sample = file_->samples[voice.sample];
+    const int root = voice[Generator::RootKey];
+    zone.rootKey = root >= 0 && root <= 127 ? root : sample.rootKey;
+    zone.keyTracking = voice[Generator::ScaleTuning];
+    zone.tune = sample.correction + voice[Generator::FineTune] + 100.0 * voice[Generator::CoarseTune];
+    if (voice[Generator::FixedKey] != noKey) {
+        zone.tune += zone.keyTracking * (voice[Generator::FixedKey] - zone.rootKey);
+        zone.keyTracking = 0.0;
+    }
+    if (const int depth = voice[Generator::ModEnvToPitch]; depth != 0) {
+        zone.tune += depth * (1.0 - std::clamp(voice[Generator::ModEnvSustain] / 1000.0, 0.0, 1.0));
+        remark("pitch envelope", "the pitch it comes to rest at");
+    }
+}
+
+void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair) {
+    zone.volume = -attenuationScale / 10.0 * std::max(0, voice[Generator::Attenuation]);
+    zone.volume -= std::clamp(voice[Generator::FilterResonance], 0, 960) /
+                   20.0; // half a resonance's height, as the format has it
+    setPan(zone, voice[Generator::Pan]);
+    if (isPair) zone.pan = 0.0; // both sides in full
+    zone.velocityTracking = static_cast<double>(voice.velocityAmount) / fullVelocityAmount;
+    if (const int velocity = voice[Generator::FixedVelocity]; velocity > 0) {
+        zone.volume += zone.velocityTracking * velocityDecibels * std::log10(std::min(velocity, 127) / 127.0);
+        zone.velocityTracking = 0.0;
+    }
+    zone.envelope = envelopeOf(voice);
+}
+
+void PresetImport::setPoints(ImportedZone& zone, const SoundFontVoice& voice) {
+    const SoundFontSample& sample = file_->samples[voice.sample];
+    const auto frame = [&](std::int64_t point, Generator fine, Generator coarse) {
+        point += voice[fine] + 32768ll * voice[coarse] - sample.start;
+        return static_cast<std::uint64_t>(std::clamp<std::int64_t>(point, 0, sample.end - sample.start));
+    };
+    zone.start = frame(sample.start, Generator::StartOffset, Generator::StartCoarseOffset);
+    zone.end = frame(sample.end, Generator::EndOffset, Generator::EndCoarseOffset);
+    zone.loopStart = frame(sample.loopStart, Generator::LoopStartOffset, Generator::LoopStartCoarseOffset);
+    zone.loopEnd = frame(sample.loopEnd, Generator::LoopEndOffset, Generator::LoopEndCoarseOffset);
+    const int mode = voice[Generator::SampleModes] & 3;
+    if (mode != 1 && mode != 3) return;
+    if (zone.loopStart >= zone.loopEnd) return remark("loop without frames", "plays without a loop");
+    zone.loop = LoopMode::Loop;
+    if (mode == 3) remark("loop that ends with the key", "loops through the release, too");
+}
+
+void PresetImport::reportRest(const SoundFontVoice& voice) {
+    if (milliseconds(voice[Generator::VolEnvDelay]) > noticeable) remark("envelope delay", "left out");
+    if (milliseconds(voice[Generator::VolEnvHold]) > noticeable && voice[Generator::VolEnvSustain] > 0)
+        remark("envelope hold", "a longer decay");
+    if (voice[Generator::KeyToVolEnvDecay] != 0 && voice.lowKey != voice.highKey)
+        remark("envelope decay that follows the key", "the decay of the zone's middle key");
+    if (voice[Generator::FilterCutoff] < openFilter) remark("low-pass filter", "left out");
+    if (voice[Generator::ModEnvToFilter] != 0 || voice[Generator::ModLfoToFilter] != 0)
+        remark("moving filter", "left out");
+    if (voice[Generator::VibLfoToPitch] != 0 || voice[Generator::ModLfoToPitch] != 0)
+        remark("vibrato", "left out; the modulation wheel gives some");
+    if (voice[Generator::ModLfoToVolume] != 0) remark("tremolo", "left out");
+    if (voice[Generator::ReverbSend] != 0 || voice[Generator::ChorusSend] != 0)
+        remark("reverb or chorus send", "left out; the instrument has one reverb for all");
+    if (voice.unknownModulators > 0) remark("modulator", "left out");
+}
+
+void PresetImport::addZone(const SoundFontVoice& voice, const SoundFontVoice* right) {
+    ImportedZone zone;
+    zone.sample = sampleFor(voice.sample, right ? std::optional(right->sample) : std::nullopt);
+    zone.place = place_;
+    zone.group = file_->instruments[voice.instrument].name;
+    zone.keys = {voice.lowKey, voice.highKey};
+    zone.velocities = {std::max(1, voice.lowVelocity), voice.highVelocity};
+    zone.choke = std::max(0, voice[Generator::ExclusiveClass]);
+    setPitch(zone, voice);
+    setLevel(zone, voice, right != nullptr);
+    setPoints(zone, voice);
+    reportRest(voice);
+    if (zone.velocities.isEmpty() || zone.start >= zone.end)
+        return remark("zone that nothing can play", "left out");
+    out_.zones.push_back(std::move(zone));
+}
+
+ImportedInstrument PresetImport::run() {
+    out_.name = preset_.name.empty() ? "Preset " + std::to_string(preset_.program) : preset_.name;
+    out_.polyphony = polyphony;
+    const auto voices = voicesOf(*file_, preset_);
+    std::vector<bool> done(voices.size(), false);
+    for (std::size_t i = 0; i < voices.size(); ++i) {
+        if (done[i] || !isPlayable(voices[i])) continue;
+        const SoundFontVoice *voice = &voices[i], *other = nullptr;
+        for (std::size_t k = i + 1; k < voices.size() && !other; ++k) {
+            if (done[k] || voices[k].sample != file_->samples[voice->sample].link) continue;
+            if (arePair(*voice, voices[k]) || arePair(voices[k], *voice)) {
+                other = &voices[k];
+                done[k] = true;
+            }
+        }
+        if (other && file_->samples[voice->sample].type == SoundFontSample::Right) std::swap(voice, other);
+        addZone(*voice, other);
+    }
+    if (out_.zones.empty()) throw MakerError(file_->path, place_ + " plays nothing");
+    return std::move(out_);
+}
+
+std::optional<int> number(std::string_view text) {
+    int value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) return {};
+    return value;
+}
+
+} // namespace
+
+ImportedInstrument importPreset(const SoundFontFile& file, const SoundFontFile::Preset& preset,
+                                ImportReport& report) {
+    return PresetImport(file, preset, report).run();
+}
+
+std::string fileNameOf(const SoundFontFile::Preset& preset) {
+    char numbers[16];
+    std::snprintf(numbers, sizeof numbers, "%03d-%03d ", preset.bank & 0x3FFF, preset.program & 0x3FFF);
+    std::string name = numbers + preset.name;
+    for (char& c : name)
+        if (static_cast<unsigned char>(c) < 32 ||
+            std::string_view("<>:\"/\\|?*").find(c) != std::string_view::npos)
+            c = '_';
+    while (name.ends_with('.') || name.ends_with(' ')) // which Windows would drop
+        name.pop_back();
+    return name;
+}
+
+const SoundFontFile::Preset& findPreset(const SoundFontFile& file, const std::string& wanted) {
+    const auto colon = wanted.find(':');
+    const auto bank = colon == std::string::npos ? 0 : number(std::string_view(wanted).substr(0, colon));
+    const auto program = number(std::string_view(wanted).substr(colon == std::string::npos ? 0 : colon + 1));
+    for (const auto& preset : file.presets)
+        if ((bank && program && preset.bank == *bank && preset.program == *program) || preset.name == wanted)
+            return preset;
+    throw MakerError(file.path, "there is no preset \"" + wanted + '"');
+}
+
+} // namespace zarno

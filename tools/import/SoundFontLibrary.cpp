@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/SoundFontLibrary.h"
+
+#include "tools/import/SoundFontImport.h"
+#include "tools/zarno/FilePaths.h"
+#include "tools/zarno/MakerError.h"
+
+namespace zarno {
+namespace {
+
+constexpr float headRoom = -10.0f; // dB
+
+void importOne(const SoundFontFile& file, const SoundFontFile::Preset& preset, ImportOptions options,
+               ImportReport& report) {
+    options.finish = [panel = options.finish](Model& model) {
+        model.file.settings.volume = headRoom;
+        if (panel) panel(model);
+    };
+    importInstrument(importPreset(file, preset, report), options, report);
+}
+
+} // namespace
+
+void importSoundFont(const SoundFontFile& file, const std::optional<std::string>& preset,
+                     ImportOptions options, ImportReport& report) {
+    if (file.presets.empty()) throw MakerError(file.path, "there are no presets");
+    importOne(file, preset ? findPreset(file, *preset) : file.presets.front(), std::move(options), report);
+}
+
+void importAllPresets(const SoundFontFile& file, const ImportOptions& options, ImportReport& report) {
+    const auto folder = filePath(options.out);
+    std::error_code failed;
+    std::filesystem::create_directories(folder, failed);
+    if (failed) throw MakerError(options.out, "the folder cannot be made");
+    ImportReport whole = report;
+    for (std::size_t i = 0; i < file.presets.size(); ++i) {
+        ImportOptions one = options;
+        one.out = utf8Text(folder / filePath(fileNameOf(file.presets[i]) + ".zse"));
+        if (options.progress)
+            one.progress = [&, i](double fraction) {
+                options.progress((static_cast<double>(i) + fraction) /
+                                 static_cast<double>(file.presets.size()));
+            };
+        ImportReport own;
+        try {
+            importOne(file, file.presets[i], one, own);
+        } catch (const MakerError& error) {
+            whole.add("preset that plays nothing", "left out", error.what());
+            continue;
+        }
+        for (const auto& remark : own.remarks())
+            whole.add(remark.what, remark.instead, remark.firstPlace, remark.count);
+        whole.groups += own.groups;
+        whole.zones += own.zones;
+        whole.samples += own.samples;
+        whole.sampleBytes += own.sampleBytes;
+        whole.streaming |= own.streaming;
+        whole.embedded = own.embedded;
+    }
+    whole.target = options.out;
+    report = whole;
+}
+
+std::string listPresets(const SoundFontFile& file) {
+    std::string text;
+    for (const auto& preset : file.presets)
+        text += std::to_string(preset.bank) + ':' + std::to_string(preset.program) + ' ' + preset.name + '\n';
+    return text;
+}
+
+} // namespace zarno
