@@ -1,20 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The one symbol a host looks for. The framework's wrapper does the work; its own entry goes by another name.
 // Ours stands before it and puts right what hosts are told.
+#include "engine/VoiceKernel.h"
 #include "shell/CZSP.h"
 #include "shell/EntryOpcodes.h"
+#include "shell/OpenEffects.h"
 #include "shell/PluginFilter.h"
 
-#include <map>
-#include <mutex>
 #include <optional>
-
-#undef VSTPluginMain
-#undef dllexport
-
-namespace Vst2 {
-#include "pluginterfaces/vst2.x/aeffectx.h"
-}
 
 #ifdef _WIN32
 #define ZARNO_EXPORT extern "C" __declspec(dllexport)
@@ -30,34 +23,15 @@ namespace {
 constexpr Vst2::VstInt32 hostVersion = 0x20105; // 131333
 constexpr std::size_t longestProgramName = 24, longestText = 64;
 
-// Which processor stands behind which effect. The effect's own fields belong to the wrapper and the host.
-class Effects {
-  public:
-    void add(Vst2::AEffect* effect, CZSP* processor, Vst2::AEffectDispatcherProc wrapper) {
-        const std::lock_guard hold(lock_);
-        processors_[effect] = processor;
-        wrapper_ = wrapper;
-    }
-    void remove(Vst2::AEffect* effect) {
-        const std::lock_guard hold(lock_);
-        processors_.erase(effect);
-    }
-    CZSP* find(Vst2::AEffect* effect) {
-        const std::lock_guard hold(lock_);
-        const auto found = processors_.find(effect);
-        return found == processors_.end() ? nullptr : found->second;
-    }
-    // The same one for every effect of a module.
-    Vst2::AEffectDispatcherProc wrapper() const { return wrapper_; }
-
-  private:
-    std::mutex lock_;
-    std::map<Vst2::AEffect*, CZSP*> processors_;
-    std::atomic<Vst2::AEffectDispatcherProc> wrapper_{nullptr};
+struct HostCall {
+    Vst2::VstInt32 opcode, index;
+    Vst2::VstIntPtr value;
+    void* pointer;
+    float option;
 };
 
-Effects& effects() {
-    static Effects instance;
+OpenEffects& effects() {
+    static OpenEffects instance;
     return instance;
 }
 
@@ -71,16 +45,43 @@ juce::String textOr(const std::string& text, const char* fallback) {
     return juce::String::fromUTF8(text.empty() ? fallback : text.c_str());
 }
 
+const VoiceKernels* kernelsOf(std::uint32_t choice) {
+    if (choice == entryOpcode::avx2Kernels && avx2Kernels() != nullptr) return avx2Kernels();
+    return choice == entryOpcode::noKernels ? nullptr : &sse2Kernels();
+}
+
 Vst2::VstIntPtr vendorSpecific(CZSP& processor, Vst2::VstIntPtr operation, void* pointer) {
-    if (operation != entryOpcode::seedRandom) return 0;
-    processor.seedRandom(static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer)));
-    return 1;
+    const auto number = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(pointer));
+    switch (operation) {
+    case entryOpcode::seedRandom:
+        processor.seedRandom(number);
+        return 1;
+    case entryOpcode::useKernels: {
+        const juce::ScopedLock hold(processor.getCallbackLock());
+        processor.engine().useKernels(kernelsOf(number));
+        return 1;
+    }
+    case entryOpcode::playingVoices:
+        return processor.engine().playingVoices();
+    default:
+        return 0;
+    }
+}
+
+Vst2::VstIntPtr giveChunk(OpenEffect& open, void* destination) {
+    if (destination == nullptr) return 0;
+    juce::MemoryBlock& chunk = open.freshChunk();
+    *static_cast<void**>(destination) = chunk.getData();
+    return static_cast<Vst2::VstIntPtr>(chunk.getSize());
 }
 
 // What the wrapper would answer wrongly or not at all; none for everything else.
-std::optional<Vst2::VstIntPtr> answer(CZSP& processor, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
+std::optional<Vst2::VstIntPtr> answer(OpenEffect& open, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
                                       Vst2::VstIntPtr value, void* pointer) {
+    CZSP& processor = open.processor;
     switch (opcode) {
+    case Vst2::effGetChunk:
+        return giveChunk(open, pointer);
     case Vst2::effSetProgram:
         processor.setCurrentProgram(static_cast<int>(value));
         return 0;
@@ -109,19 +110,58 @@ void nameChannel(CZSP& processor, int index, Vst2::VstPinProperties& pin) {
     name.copyToUTF8(pin.shortLabel, sizeof pin.shortLabel);
 }
 
+Vst2::VstIntPtr callWrapper(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
+    return open.wrapper(effect, call.opcode, call.index, call.value, call.pointer, call.option);
+}
+
+// What the wrapper does while nobody may be processing.
+Vst2::VstIntPtr callWithClosedGate(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
+    const bool wasClosed = open.gate.isClosed();
+    open.gate.close();
+    if (call.opcode == Vst2::effSetBlockSize) open.gate.reserve(static_cast<int>(call.value));
+    const auto result = callWrapper(open, effect, call);
+    const bool stays = call.opcode == Vst2::effMainsChanged ? call.value == 0 : wasClosed;
+    if (!stays) open.gate.open();
+    return result;
+}
+
+Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
+    const auto open = effects().remove(effect);
+    if (open == nullptr) return 0;
+    open->gate.close();
+    return callWrapper(*open, effect, call);
+}
+
+Vst2::VstIntPtr sendEvents(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
+    if (call.pointer == nullptr || !open.gate.enter()) return 0;
+    const auto result = callWrapper(open, effect, call);
+    open.gate.leave();
+    return result;
+}
+
 Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
                          Vst2::VstIntPtr value, void* pointer, float option) {
-    const auto wrapper = effects().wrapper();
-    // The one call of the audio thread takes no lock of ours.
-    if (opcode == Vst2::effProcessEvents) return wrapper(effect, opcode, index, value, pointer, option);
-    CZSP* processor = effects().find(effect);
-    if (processor == nullptr) return 0;
-    if (opcode == Vst2::effClose) effects().remove(effect);
-    if (const auto own = answer(*processor, opcode, index, value, pointer)) return *own;
-    const auto result = wrapper(effect, opcode, index, value, pointer, option);
+    const HostCall call{opcode, index, value, pointer, option};
+    OpenEffect* open = effects().find(effect);
+    if (open == nullptr) return 0;
+    switch (opcode) {
+    case Vst2::effProcessEvents:
+        return sendEvents(*open, effect, call);
+    case Vst2::effMainsChanged:
+    case Vst2::effSetBlockSize:
+        return callWithClosedGate(*open, effect, call);
+    case Vst2::effClose:
+        return close(effect, call);
+    }
+    if (const auto own = answer(*open, opcode, index, value, pointer)) return *own;
+    const auto result = callWrapper(*open, effect, call);
     if (opcode == Vst2::effGetOutputProperties && result != 0)
-        nameChannel(*processor, index, *static_cast<Vst2::VstPinProperties*>(pointer));
+        nameChannel(open->processor, index, *static_cast<Vst2::VstPinProperties*>(pointer));
     return result;
+}
+
+void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 frames) {
+    if (OpenEffect* open = effects().find(effect)) open->gate.process(outputs, frames);
 }
 
 } // namespace
@@ -133,8 +173,9 @@ ZARNO_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
     Vst2::AEffect* effect = zarnoWrapperMain(host);
     CZSP* processor = takeCreatedProcessor();
     if (effect == nullptr || processor == nullptr) return effect;
-    effects().add(effect, processor, effect->dispatcher);
+    effects().add(*effect, *processor);
     effect->dispatcher = dispatch;
+    effect->processReplacing = process;
     effect->uniqueID = static_cast<Vst2::VstInt32>(processor->identity().uniqueId);
     effect->version = hostVersion;
     effect->numPrograms = 0;

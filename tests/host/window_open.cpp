@@ -62,5 +62,38 @@ TEST(WindowOnScreen, OpensAndClosesWhileAudioRenders) {
     EXPECT_GT(blocks, cycles);
 }
 
+// Editors of two instances, opened before processing is turned on, twice without being closed, closed in any order.
+TEST(WindowOnScreen, OfTwoInstancesInAnyOrder) {
+    HostRig rig;
+    rig.addInstrument("level.zse", levelInstrument("Level").bytes());
+    const auto sounds = [](HostedPlugin& plugin) {
+        return firstSound(render(plugin, 512, {{7, noteOn(60)}}).left) == 7;
+    };
+    for (int round = 0; round < 5; ++round) {
+        auto first = rig.load(), second = rig.load();
+        std::string error;
+        auto a = EditorWindow::open(*first, error), b = EditorWindow::open(*second, error);
+        ASSERT_TRUE(a && b) << error;
+        first->activate();
+        second->activate();
+        a->run(0.05);
+        b->run(0.05);
+        EXPECT_TRUE(sounds(*first) && sounds(*second));
+        auto again = EditorWindow::open(*first, error);
+        EXPECT_TRUE(again) << error;
+        again->run(0.05);
+        a.reset();
+        if (round % 2 == 0) b.reset();
+        first->deactivate();
+        first->activate();
+        EXPECT_TRUE(sounds(*first));
+        again.reset();
+        first.reset();
+        if (b) b->run(0.05);
+        EXPECT_EQ(sounds(*second), false) << "its note is still held";
+        b.reset();
+    }
+}
+
 } // namespace
 } // namespace zarno::test

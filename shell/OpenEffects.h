@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "shell/AudioGate.h"
+
+#include <juce_core/juce_core.h>
+
+#include <map>
+#include <memory>
+#include <mutex>
+#include <thread>
+
+namespace zarno {
+
+class CZSP;
+
+/// What the entry keeps about one effect that a host has opened.
+struct OpenEffect {
+    OpenEffect(Vst2::AEffect& effect, CZSP& opened)
+        : processor(opened)
+        , gate(effect)
+        , wrapper(effect.dispatcher) {}
+
+    CZSP& processor;
+    AudioGate gate;
+    const Vst2::AEffectDispatcherProc wrapper;
+
+    /// The state as of now. Stays where it is until the same thread asks again, whatever other threads do.
+    juce::MemoryBlock& freshChunk();
+
+  private:
+    std::mutex lock_;
+    std::map<std::thread::id, juce::MemoryBlock> chunks_;
+};
+
+/// The effects of this module that are open. The effect's own fields belong to the wrapper and the host, so
+/// they are found by address.
+class OpenEffects {
+  public:
+    void add(Vst2::AEffect& effect, CZSP& processor);
+    /// The effect is nobody's from now on. What was kept about it goes with the result.
+    std::unique_ptr<OpenEffect> remove(const Vst2::AEffect* effect);
+    /// [any] Null for one that is not open. Takes no lock: the audio thread asks, too.
+    OpenEffect* find(const Vst2::AEffect* effect) const;
+
+  private:
+    // One place for each effect that was ever open at the same time. Places are used again, never given back.
+    struct Place {
+        std::atomic<const Vst2::AEffect*> effect{nullptr};
+        std::unique_ptr<OpenEffect> open; // written before effect, read after it
+        std::unique_ptr<Place> next;
+    };
+
+    std::mutex adding_;
+    std::atomic<Place*> first_{nullptr};
+    std::unique_ptr<Place> places_;
+};
+
+} // namespace zarno
