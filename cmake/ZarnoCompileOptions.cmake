@@ -3,6 +3,16 @@
 set(CMAKE_C_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
 set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
 
+# See platform/ThreadRole.h. For all of our code alike, so that every file sees the same declarations.
+set(checksThreads OFF)
+if(CMAKE_BUILD_TYPE STREQUAL Debug)
+    set(checksThreads ON)
+endif()
+option(ZARNO_THREAD_CHECKS "Check which thread calls what" ${checksThreads})
+if(ZARNO_THREAD_CHECKS)
+    add_compile_definitions(ZARNO_THREAD_CHECKS)
+endif()
+
 # One interface target with the options of our own code. Audio must be the same bits in every build: no
 # contraction into fused multiply-adds, no fast-math, SSE2 as the baseline on every system.
 add_library(zarno_options INTERFACE)

@@ -4,6 +4,7 @@
 #include "data/stream/ZDSVoice.h"
 #include "engine/Tables.h"
 #include "platform/DenormalGuard.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <chrono>
@@ -90,6 +91,7 @@ void ZInstrument::takeRequests() {
 }
 
 void ZInstrument::requestActiveGroups(const std::vector<int>& indices) {
+    thread::mustNotBe(thread::audio | thread::disk);
     for (std::size_t i = 0; i < groups_.size(); ++i) {
         const bool wanted = std::find(indices.begin(), indices.end(), static_cast<int>(i)) != indices.end();
         groups_[i]->wanted.store(wanted, std::memory_order_relaxed);
@@ -127,6 +129,8 @@ double ZInstrument::eventTime(int sample) const {
 }
 
 void ZInstrument::renderBlock(float** outputs, int numOutputs, int numSamples) {
+    thread::mustBe(thread::audio);
+    const thread::Acts asAudio(thread::audio);
     for (int i = 0; i < numOutputs; ++i)
         if (outputs[i] != nullptr) std::fill_n(outputs[i], std::max(numSamples, 0), 0.0f);
     if (shuttingDown_.load(std::memory_order_acquire) || numSamples <= 0) return;
@@ -182,11 +186,13 @@ void ZInstrument::renderSegment(int frames, float* left, float* right) {
 }
 
 void ZInstrument::applySettings() {
+    thread::mustBe(thread::audio | thread::loading);
     modulation_.applySettings();
     if (delegate_ != nullptr) delegate_->settingsChanged();
 }
 
 void ZInstrument::resetSettings() {
+    thread::mustBe(thread::loading | thread::message);
     const InstrumentSettings defaults;
     settings_.quality = defaults.quality.load();
     settings_.velocityCurve = defaults.velocityCurve.load();
@@ -209,6 +215,7 @@ void ZInstrument::resetControllers(int channel) {
 }
 
 void ZInstrument::deactivateAllGroups() {
+    thread::mustBe(thread::audio | thread::loading);
     dispatcher_.activeGroups().deactivateAll();
     publishCurrentGroup();
 }
@@ -223,12 +230,14 @@ void ZInstrument::publishCurrentGroup() {
 }
 
 ZGroup& ZInstrument::createGroup(std::string name) {
+    thread::mustBe(thread::loading);
     groups_.push_back(std::make_unique<ZGroup>(std::move(name)));
     dispatcher_.activeGroups().reserve();
     return *groups_.back();
 }
 
 void ZInstrument::clear() {
+    thread::mustBe(thread::loading);
     groupsRequested_.store(false, std::memory_order_relaxed);
     const StreamServer::Pause noReads(streams_);
     InstrumentContents former;
@@ -247,6 +256,7 @@ void ZInstrument::takeOut(InstrumentContents& former) {
 }
 
 void ZInstrument::exchange(InstrumentContents& contents) {
+    thread::mustBe(thread::loading);
     const StreamServer::Pause noReads(streams_);
     InstrumentContents former;
     takeOut(former);
@@ -260,6 +270,7 @@ void ZInstrument::exchange(InstrumentContents& contents) {
 }
 
 void ZInstrument::rebuildPool() {
+    thread::mustBe(thread::loading);
     const StreamServer::Pause noReads(streams_);
     pool_.stopAll();
     pool_.fill({});
@@ -267,6 +278,7 @@ void ZInstrument::rebuildPool() {
 }
 
 void ZInstrument::setLoading(bool loading) {
+    thread::mustBe(thread::loading);
     if (loading_.exchange(loading, std::memory_order_acq_rel) == loading) return;
     if (loading)
         streams_.pause();

@@ -6,6 +6,7 @@
 #include "gui/PanelEdits.h"
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
+#include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
 #include "shell/KeyboardRoute.h"
 
@@ -134,6 +135,7 @@ void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::Fil
 }
 
 void CZSPGUI::refresh() {
+    const thread::Acts asMessage(thread::message);
     if (link_.groupsGeneration() != groupsSeen_) {
         refreshAll();
         return;

@@ -4,6 +4,7 @@
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
+#include "platform/ThreadRole.h"
 #include "shell/SampleSearch.h"
 #include "shell/UserFolders.h"
 
@@ -78,6 +79,7 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
 }
 
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
+    const thread::Acts asAudio(thread::audio);
     postEvents(midi);
     midi.clear();
     auto** channels =

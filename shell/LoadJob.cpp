@@ -3,6 +3,7 @@
 
 #include "platform/Module.h"
 #include "platform/Paths.h"
+#include "platform/ThreadRole.h"
 
 #include <chrono>
 #include <cstring>
@@ -24,6 +25,7 @@ std::shared_ptr<LoadJob> LoadJob::start(Request request) {
 }
 
 void LoadJob::read() {
+    const thread::Acts asReader(thread::reader);
     LoadOptions options;
     options.enteredText = request_.licenceText;
     options.delegate = this;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How CZSP changes its instrument: the choice, the thread, the load, its end.
 #include "platform/MessageBox.h"
+#include "platform/ThreadRole.h"
 #include "shell/CZSP.h"
 #include "shell/FolderQuestion.h"
 #include "shell/HostChunk.h"
@@ -113,6 +114,7 @@ void CZSP::run() {
 void CZSP::load(bool inBackground) {
     const juce::String path = currentPath();
     suspendProcessing(true);
+    const thread::Acts asLoading(thread::loading);
     engine_.setLoading(true);
     const LoadResult result = readAndTakeOver(path, inBackground);
     lastLoadSucceeded_ = result.loaded;
@@ -206,6 +208,7 @@ void CZSP::endLoad() {
 }
 
 void CZSP::showEndOfLoad() {
+    const thread::Acts asMessage(thread::message);
     EditorWindow* window = editorPort_.window();
     if (window == nullptr || loading_) return;
     window->loadingFinished();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/stream/DiskThread.h"
 
+#include "platform/ThreadRole.h"
 #include "platform/WorkerThread.h"
 
 #include <algorithm>
@@ -63,6 +64,7 @@ ZSEThreadClient* Runner::enterClient(std::size_t index) {
 }
 
 void Runner::run() {
+    const thread::Acts asDisk(thread::disk);
     for (;;) {
         event.wait();
         if (stop_.load(std::memory_order_acquire)) return;
@@ -87,9 +89,12 @@ AutoResetEvent& takeShare() {
 } // namespace
 
 DiskThread::DiskThread()
-    : event_(takeShare()) {}
+    : event_(takeShare()) {
+    thread::mustNotBe(thread::audio | thread::disk);
+}
 
 DiskThread::~DiskThread() {
+    thread::mustNotBe(thread::audio | thread::disk);
     const std::lock_guard lock(sharesMutex);
     if (--shares > 0) return;
     delete runner;

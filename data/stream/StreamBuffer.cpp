@@ -2,6 +2,7 @@
 #include "data/stream/StreamBuffer.h"
 
 #include "engine/Interpolation.h"
+#include "platform/ThreadRole.h"
 
 #include <atomic>
 #include <bit>
@@ -11,11 +12,13 @@
 namespace zarno {
 
 void StreamBuffer::allocate(std::uint64_t frames, bool sixteenBit) {
+    thread::mustBe(thread::loading);
     if (!memory_.allocate(frames, 2, sixteenBit)) throw std::bad_alloc();
     frame0_ = sixteenBit ? static_cast<void*>(memory_.shorts()) : memory_.floats();
 }
 
 void StreamBuffer::write(const ChunkTarget& chunk) {
+    thread::mustBe(thread::disk);
     const std::size_t before = SampleMemory::guardFrames * chunk.frameBytes();
     const std::size_t bytes = 2 * before + static_cast<std::size_t>(chunk.frames) * chunk.frameBytes();
     const auto* from = static_cast<const std::byte*>(chunk.frame0) - before;
@@ -41,6 +44,7 @@ float StreamBuffer::sampleAt(std::int64_t sample) const {
 }
 
 void StreamBuffer::readFrame(std::int64_t index, bool mono, float& left, float& right) const {
+    thread::mustBe(thread::audio);
     left = sampleAt(mono ? index : 2 * index);
     right = mono ? left : sampleAt(2 * index + 1);
 }

@@ -3,6 +3,7 @@
 
 #include "engine/ZZone.h"
 #include "platform/Clock.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <new>
@@ -22,6 +23,7 @@ std::atomic<std::uint64_t> diskProgress{0};
 } // namespace
 
 void StreamServer::pause() {
+    thread::mustNotBe(thread::audio | thread::disk);
     pauses_.fetch_add(1, std::memory_order_acq_rel);
     const std::lock_guard untilDiskThreadIsOutside(serving_);
 }
@@ -32,6 +34,7 @@ void StreamServer::resume() {
 }
 
 void StreamServer::allocate(int voices, std::int32_t chunkFrames, bool sixteenBit) {
+    thread::mustBe(thread::loading);
     const auto frames = static_cast<std::uint64_t>(chunkFrames);
     rings_ = std::vector<StreamRing>(static_cast<std::size_t>(voices));
     for (StreamRing& ring : rings_)
@@ -42,6 +45,7 @@ void StreamServer::allocate(int voices, std::int32_t chunkFrames, bool sixteenBi
 }
 
 void StreamServer::beginBlock(bool offline, double renderedMs) {
+    thread::mustBe(thread::audio);
     offline_ = offline;
     renderedMs_ = renderedMs;
 }
@@ -61,6 +65,7 @@ void StreamServer::wakeDiskThread() {
 }
 
 bool StreamServer::awaitBuffer(const RefillSlot& slot) {
+    thread::mustBe(thread::audio);
     return slot.isReady() || (offline_ && waitWhileDiskMoves(slot));
 }
 
@@ -85,6 +90,7 @@ bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot) {
 }
 
 void StreamServer::serve() {
+    thread::mustBe(thread::disk);
     const std::lock_guard inside(serving_);
     int fills = 0;
     while (!isPaused()) {

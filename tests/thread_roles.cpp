@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// The tags in the headers, held against calls from the wrong threads. Where nothing checks, there is nothing
+// to test.
+#include "platform/ThreadRole.h"
+
+#if defined(ZARNO_THREAD_CHECKS)
+
+#include "data/stream/DiskThread.h"
+#include "data/stream/StreamServer.h"
+#include "engine/ZInstrument.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace zarno {
+namespace {
+
+struct Tagged {
+    const char* name;
+    unsigned allowed;
+    std::function<void()> call;
+};
+
+// Each call alone on a thread of each kind: it is made by those that are allowed, and ends the process of
+// others.
+TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
+    GTEST_FLAG_SET(death_test_style, "fast");
+    ZInstrument instrument;
+    InstrumentContents contents;
+    AutoResetEvent event;
+    StreamServer server(event);
+    server.allocate(1, 64, true);
+    RefillSlot slot;
+    StreamBuffer buffer;
+    using namespace thread;
+    const unsigned any = ~0u;
+    const Tagged rows[] = {
+        {"renderBlock", audio, [&] { instrument.renderBlock(nullptr, 0, 64); }},
+        {"postEvent", any, [&] { instrument.postEvent(midi::noteOn, 0, 60, 100, 0); }},
+        {"setSampleRate", any, [&] { instrument.setSampleRate(48000.0f); }},
+        {"requestStop", any, [&] { instrument.requestStop(); }},
+        {"resetControllers", any, [&] { instrument.resetControllers(0); }},
+        {"playingVoices", any, [&] { instrument.playingVoices(); }},
+        {"requestActiveGroups", any & ~(audio | disk), [&] { instrument.requestActiveGroups({}); }},
+        {"applySettings", audio | loading, [&] { instrument.applySettings(); }},
+        {"deactivateAllGroups", audio | loading, [&] { instrument.deactivateAllGroups(); }},
+        {"resetSettings", loading | message, [&] { instrument.resetSettings(); }},
+        {"exchange", loading, [&] { instrument.exchange(contents); }},
+        {"clear", loading, [&] { instrument.clear(); }},
+        {"rebuildPool", loading, [&] { instrument.rebuildPool(); }},
+        {"createGroup", loading, [&] { instrument.createGroup("made"); }},
+        {"setLoading", loading, [&] { instrument.setLoading(false); }},
+        {"ZInstrument", any & ~(audio | disk), [] { ZInstrument(); }},
+        {"pause", any & ~(audio | disk), [&] { StreamServer::Pause{server}; }},
+        {"allocate", loading, [&] { server.allocate(1, 64, true); }},
+        {"beginBlock", audio, [&] { server.beginBlock(false, 0.0); }},
+        {"awaitBuffer", audio, [&] { server.awaitBuffer(slot); }},
+        {"serve", disk, [&] { server.serve(); }},
+        {"stats", any, [&] { server.stats(); }},
+        {"buffer.allocate", loading, [&] { buffer.allocate(64, true); }},
+    };
+    for (const Tagged& row : rows)
+        for (const Role role : {audio, loading, disk, message, reader}) {
+            const auto onThatThread = [&] {
+                const Acts acts(role);
+                row.call();
+            };
+            if ((row.allowed & role) != 0)
+                onThatThread();
+            else
+                EXPECT_DEATH(onThatThread(), "wrong thread") << row.name << " on " << role;
+        }
+}
+
+// The threads of the house say what they are.
+TEST(ThreadRoles, TheDiskThreadIsKnown) {
+    struct Client final : ZSEThreadClient {
+        void serviceStreams() override {
+            role = thread::current();
+            served.signal();
+        }
+        thread::Role role = thread::unknown;
+        AutoResetEvent served;
+    } client;
+    DiskThread share;
+    share.add(client);
+    share.event().signal();
+    ASSERT_TRUE(client.served.wait(10000));
+    share.remove(client);
+    EXPECT_EQ(client.role, thread::disk);
+}
+
+} // namespace
+} // namespace zarno
+
+#endif
