@@ -2,16 +2,12 @@
 #include "shell/KeyboardRoute.h"
 
 #include "engine/ZInstrument.h"
+#include "platform/ThreadRole.h"
 
 namespace zarno {
-namespace {
-
-// What the listener gives the engine: the offset of the note being handed over on this thread, else "now".
-thread_local std::uint32_t offsetInHand = immediateOffset;
-
-} // namespace
 
 void KeyboardRoute::publish(juce::MidiKeyboardState* state) {
+    thread::mustBe(thread::message);
     juce::MidiKeyboardState* former = nullptr;
     {
         const juce::SpinLock::ScopedLockType hold(lock_);
@@ -25,14 +21,15 @@ void KeyboardRoute::publish(juce::MidiKeyboardState* state) {
 }
 
 void KeyboardRoute::handOver(const juce::MidiMessage& note, int samplePosition) {
+    thread::mustBe(thread::audio);
     const juce::SpinLock::ScopedTryLockType hold(lock_);
     // A note-off whose key the panel does not hold would end there: the note began before the window opened.
     const bool throughPanel = hold.isLocked() && state_ != nullptr &&
                               (note.isNoteOn() || state_->isNoteOn(note.getChannel(), note.getNoteNumber()));
     if (!throughPanel) return post(note, samplePosition);
-    offsetInHand = static_cast<std::uint32_t>(samplePosition);
+    offsetInHand_ = static_cast<std::uint32_t>(samplePosition);
     state_->processNextMidiEvent(note);
-    offsetInHand = immediateOffset;
+    offsetInHand_ = immediateOffset;
 }
 
 void KeyboardRoute::post(const juce::MidiMessage& note, int samplePosition) {
@@ -42,11 +39,11 @@ void KeyboardRoute::post(const juce::MidiMessage& note, int samplePosition) {
 }
 
 void KeyboardRoute::handleNoteOn(juce::MidiKeyboardState*, int channel, int key, float velocity) {
-    engine_.postEvent(midi::noteOn, channel - 1, key, juce::roundToInt(velocity * 127.0f), offsetInHand);
+    engine_.postEvent(midi::noteOn, channel - 1, key, juce::roundToInt(velocity * 127.0f), offsetInHand_);
 }
 
 void KeyboardRoute::handleNoteOff(juce::MidiKeyboardState*, int channel, int key, float) {
-    engine_.postEvent(midi::noteOff, channel - 1, key, 0, offsetInHand);
+    engine_.postEvent(midi::noteOff, channel - 1, key, 0, offsetInHand_);
 }
 
 } // namespace zarno

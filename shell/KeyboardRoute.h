@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/EngineEvent.h"
+
 #include <juce_audio_basics/juce_audio_basics.h>
 
 namespace zarno {
@@ -40,8 +42,11 @@ class KeyboardRoute final : private juce::MidiKeyboardState::Listener {
     void post(const juce::MidiMessage& note, int samplePosition);
 
     ZInstrument& engine_;
-    juce::SpinLock lock_; // guards state_ and what it points to; the audio thread only tries it
+    juce::SpinLock lock_; // guards all below and what state_ points to; the audio thread only tries it
     juce::MidiKeyboardState* state_ = nullptr;
+    // What the listener gives the engine: the offset of the note being handed over, else "now". Not of the
+    // thread's own: a module's such variables take memory at their first use on a thread.
+    std::uint32_t offsetInHand_ = immediateOffset;
 };
 
 } // namespace zarno
