@@ -62,7 +62,8 @@ TEST(WindowOnScreen, OpensAndClosesWhileAudioRenders) {
     EXPECT_GT(blocks, cycles);
 }
 
-// Editors of two instances, opened before processing is turned on, twice without being closed, closed in any order.
+// Editors of two instances, opened before processing is turned on, twice without being closed, closed in any
+// order.
 TEST(WindowOnScreen, OfTwoInstancesInAnyOrder) {
     HostRig rig;
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());
