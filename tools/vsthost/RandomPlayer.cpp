@@ -24,6 +24,11 @@ void RandomPlayer::add(int offset, int status, int data1, int data2) {
     list_.events[at] = &event;
 }
 
+// The interface declares room for two and means as many as there are.
+Vst2::VstEvents& RandomPlayer::asInterface() {
+    return *static_cast<Vst2::VstEvents*>(static_cast<void*>(&list_));
+}
+
 int RandomPlayer::anyController() {
     static constexpr int heard[] = {1,  5,  6,  7, 8,  10, 11, 64, 64,  64,
                                     68, 91, 91, 1, 11, 64, 20, 32, 127, 126};
@@ -58,7 +63,7 @@ Vst2::VstEvents& RandomPlayer::play(int frames, int events) {
     if (below(4) != 0)
         std::sort(events_.begin(), events_.begin() + list_.count,
                   [](const auto& a, const auto& b) { return a.deltaFrames < b.deltaFrames; });
-    return reinterpret_cast<Vst2::VstEvents&>(list_);
+    return asInterface();
 }
 
 Vst2::VstEvents& RandomPlayer::end(int part) {
@@ -70,7 +75,7 @@ Vst2::VstEvents& RandomPlayer::end(int part) {
         add(0, controller, 64, 0);
         add(0, controller, 123, 0);
     }
-    return reinterpret_cast<Vst2::VstEvents&>(list_);
+    return asInterface();
 }
 
 } // namespace zarno

@@ -34,6 +34,7 @@ class RandomPlayer {
     void add(int offset, int status, int data1, int data2);
     void addAny(int frames);
     int anyController();
+    Vst2::VstEvents& asInterface();
 
     struct List { // as the interface has it, with room for all
         std::int32_t count;
