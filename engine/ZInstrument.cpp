@@ -41,6 +41,7 @@ ZInstrument::ZInstrument(const Clock& clock)
         publishCurrentGroup();
         if (delegate_ != nullptr) delegate_->groupsChanged();
     };
+    const thread::Acts asLoading(thread::loading); // nobody else knows this instrument yet
     activeEvents_.reserve(EventQueue::ringSize);
     rebuildPool();
     diskThread_.add(*this);

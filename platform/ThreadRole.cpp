@@ -5,11 +5,18 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <string>
 
 namespace zarno::thread {
 namespace {
 
 thread_local Role role = unknown;
+
+void endProcess(const char* complaint) {
+    std::fprintf(stderr, "%s\n", complaint);
+    std::abort();
+}
+void (*complain)(const char*) = endProcess;
 
 const char* nameOf(Role which) {
     switch (which) {
@@ -33,9 +40,13 @@ const char* nameOf(Role which) {
 
 void mustBe(unsigned roles, std::source_location where) {
     if (role == unknown || (role & roles) != 0) return;
-    std::fprintf(stderr, "%s:%u: %s called on the wrong thread: %s\n", where.file_name(), where.line(),
-                 where.function_name(), nameOf(role));
-    std::abort();
+    complain((std::string(where.file_name()) + ":" + std::to_string(where.line()) + ": " +
+              where.function_name() + " called on the wrong thread: " + nameOf(role))
+                 .c_str());
+}
+
+void onWrongThread(void (*handler)(const char*)) {
+    complain = handler;
 }
 
 Role current() {

@@ -28,6 +28,9 @@ inline void mustNotBe(unsigned roles, std::source_location where = std::source_l
     mustBe(~roles, where);
 }
 
+/// Something else than to end the process, for tests. May throw.
+void onWrongThread(void (*handler)(const char* complaint));
+
 /// What is known of the calling thread.
 Role current();
 

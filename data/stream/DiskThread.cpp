@@ -80,6 +80,7 @@ int shares = 0;
 Runner* runner = nullptr;
 
 AutoResetEvent& takeShare() {
+    thread::mustNotBe(thread::audio | thread::disk);
     const std::lock_guard lock(sharesMutex);
     if (runner == nullptr) runner = new Runner;
     ++shares;
@@ -89,9 +90,7 @@ AutoResetEvent& takeShare() {
 } // namespace
 
 DiskThread::DiskThread()
-    : event_(takeShare()) {
-    thread::mustNotBe(thread::audio | thread::disk);
-}
+    : event_(takeShare()) {}
 
 DiskThread::~DiskThread() {
     thread::mustNotBe(thread::audio | thread::disk);
