@@ -8,11 +8,20 @@
 namespace zarno::test {
 namespace {
 
-InstrumentBuilder::Zone busyZone(int index, Chance& chance) {
+// Frames are stored as wide as the instrument keeps them.
+std::string busySound(int index, int frames, bool sixteenBit) {
+    const int rate = index % 3 == 0 ? 48000 : 44100;
+    const auto value = [index](int at) { return 0.4 * std::sin(0.01 * (index + 3) * at); };
+    if (sixteenBit) return monoBlock(frames, rate, value);
+    std::string data;
+    for (int at = 0; at < frames; ++at)
+        data += raw(static_cast<float>(value(at)));
+    return block(4, rate, 1, frames, data);
+}
+
+InstrumentBuilder::Zone busyZone(int index, bool sixteenBit, Chance& chance) {
     const int frames = 3000 + index * 2500;
-    auto made = zone("sound " + std::to_string(index),
-                     monoBlock(frames, index % 3 == 0 ? 48000 : 44100,
-                               [&](int at) { return 0.4 * std::sin(0.01 * (index + 3) * at); }));
+    auto made = zone("sound " + std::to_string(index), busySound(index, frames, sixteenBit));
     ZoneRecord& record = made.record;
     record.rootKey = 48 + index * 3;
     record.loopMode = index % 4 == 0 ? 1 : index % 2 == 0 ? 0 : 2;
@@ -59,7 +68,7 @@ InstrumentBuilder busyInstrument(const std::string& name, const BusyKind& kind) 
         record.volume = -6.0f;
         made.groups.push_back({"group " + std::to_string(g), record, {}, {}});
         for (int z = 0; z < 3; ++z)
-            made.groups.back().zones.push_back(busyZone(zones++, chance));
+            made.groups.back().zones.push_back(busyZone(zones++, kind.sixteenBit, chance));
     }
     return made;
 }

@@ -29,7 +29,7 @@ TEST(Soak, FourInstrumentsAtRandom) {
         static_cast<unsigned long long>(figures.denormal), figures.voicesLeft, figures.residentMb.front(),
         figures.residentMb.back());
     EXPECT_TRUE(figures.isSound()) << "memory grew by " << figures.growthMb << " MB";
-    EXPECT_GE(figures.mostVoices, 16);
+    EXPECT_GT(figures.mostVoices, 32) << "more than the first two have";
     EXPECT_GT(figures.peak, 0.1f);
 }
 
