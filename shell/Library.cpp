@@ -2,6 +2,7 @@
 #include "shell/Library.h"
 
 #include "data/load/InstrumentFile.h"
+#include "data/load/ReadAhead.h"
 #include "platform/Folder.h"
 #include "platform/Paths.h"
 #include "shell/SearchPath.h"
@@ -39,10 +40,16 @@ void collect(const std::string& folder, int level, bool behindLink, Found& found
         collect(joinPath(folder, entry.name), level + 1, behindLink || entry.isLink, found);
 }
 
+// Headers of cold files come one by one from all over the disk, so it is told of the next ones early.
 void addTitled(const std::vector<std::string>& paths, std::vector<Library::Entry>& entries) {
-    for (const std::string& path : paths) {
-        const auto names = peekHeader(path);
-        if (names && !names->name.empty() && !names->title.empty()) entries.push_back({path, names->name});
+    ReadAhead ahead;
+    for (const std::string& path : paths)
+        ahead.add(path, 0, headerPeekBytes);
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        ahead.reach(i);
+        const auto names = peekHeader(paths[i]);
+        if (names && !names->name.empty() && !names->title.empty())
+            entries.push_back({paths[i], names->name});
     }
 }
 

@@ -188,9 +188,8 @@ const char* describe(InstrumentFile::Refusal refusal) {
 std::optional<HeaderNames> peekHeader(const std::string& path) {
     const File file(path);
     if (!file.isOpen()) return std::nullopt;
-    // All that a peek can need, in one read.
-    constexpr std::size_t headBytes = 4 + 4 + 1 + 2 * (format::nameLimit + 1);
-    Bytes bytes(file, headBytes);
+    file.adviseRandom(); // else the kernel fetches far more than the header
+    Bytes bytes(file, headerPeekBytes);
     InstrumentFile parsed;
     parsed.fileSize = file.size();
     if (Parser(bytes, parsed).head() != Refusal::None) return std::nullopt;

@@ -93,6 +93,9 @@ struct HeaderNames {
     std::string title;
 };
 
+/// All that a peek can need: magic, version, storage and the two texts.
+inline constexpr std::size_t headerPeekBytes = 4 + 4 + 1 + 2 * (format::nameLimit + 1);
+
 /// Reads only the two texts at the start of an instrument file. None when the file is refused.
 std::optional<HeaderNames> peekHeader(const std::string& path);
 
