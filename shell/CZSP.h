@@ -153,7 +153,7 @@ class CZSP final : public juce::AudioProcessor,
     juce::String locatedPath_;
     int currentIndex_ = -1;
     bool running_ = false;                    // a load; changes together with loading_
-    bool unasked_ = false;                    // the last load had nobody to ask, with the window open
+    bool unasked_ = false;                    // the last load has a question, and the window is open
     EditorLink::Missing missing_;             // in the last load
     std::vector<std::uint8_t> receivedChunk_; // restored, and not loaded yet
     std::vector<std::uint8_t> pendingState_;  // its tail, to be applied after the load

@@ -23,8 +23,8 @@ class LoadJob final : private ZSEDelegate {
         std::string licenceText;
         SampleSearch::Places places;
         SampleSearch::Limits limits;
-        bool background = false; ///< at the lowest priority: nobody is held up by this load
-        bool mayAsk = false;     ///< where a missing sample is: see State::Asking
+        /// Nobody is held up by this load: it runs at the lowest priority and may ask where samples are.
+        bool background = false;
     };
     /// Null when the system has no thread left.
     static std::shared_ptr<LoadJob> start(Request request);
@@ -79,7 +79,7 @@ class LoadJob final : private ZSEDelegate {
     std::condition_variable changed_;
     State state_ = State::Reading; // this and the next two are guarded by lock_
     std::string question_, answer_;
-    bool asks_ = request_.mayAsk; // of the reader alone
+    bool asks_ = request_.background; // of the reader alone
     WorkerThread thread_;
 };
 

@@ -132,13 +132,11 @@ void CZSP::load(bool inBackground) {
 LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
     using Clock = std::chrono::steady_clock;
     const bool isWatched = editorPort_.window() != nullptr;
-    const bool mayAsk = inBackground || !isMessageThread(); // which a dialog would need
     auto job = LoadJob::start({path.toStdString(),
                                settings_.get(path).toStdString(),
                                {settings_.get(settingKey::missingFolder).toStdString(), homeFolder()},
                                isWatched ? SampleSearch::whileWatched : SampleSearch::Limits(),
-                               inBackground,
-                               mayAsk});
+                               inBackground});
     if (!job) return {};
     std::unique_ptr<FolderQuestion> question;
     auto cancelledAt = Clock::time_point::max();
@@ -166,7 +164,7 @@ LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
         takeOver(engine_, job->contents(), job->result());
     }
     const juce::ScopedLock hold(lock_);
-    unasked_ = isWatched && !mayAsk && !job->result().missing.empty();
+    unasked_ = isWatched && !inBackground && !job->result().missing.empty();
     return job->result();
 }
 
@@ -217,7 +215,7 @@ void CZSP::showEndOfLoad() {
     if (!lastLoadSucceeded_) showMessageBox("Zarno Sampler Player", "Unable to load this instrument.");
 }
 
-// What a load on the message thread could not ask.
+// What a load did not ask because its caller waited, on whose return the dialog might depend.
 void CZSP::askAfterwards(EditorWindow& window) {
     juce::String path;
     {
