@@ -75,7 +75,9 @@ void CZSP::startLoading() {
     }
     if (isMessageThread() && editorPort_.window() != nullptr) editorPort_.window()->loadingStarted();
     waitForThreadToExit(-1); // of a former load, which has only to return
-    if (!startThread(juce::Thread::Priority::background)) endLoad();
+    // Only its reader has the lowest priority: this one holds the callback lock for moments, and on a busy
+    // machine the audio thread would wait behind everybody for it to go on.
+    if (!startThread(juce::Thread::Priority::normal)) endLoad();
 }
 
 // A load that runs ends first. It may be on the way to the user with a question, who is not to be waited for,
