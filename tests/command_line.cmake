@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # What scripts rely on: the exit codes of zarno (0, 1 bad input, 2 wrong use), where it says why, and that packing
-# undoes unpacking. Called with ZARNO, the command to run, and FOLDER, an empty place to work in.
+# undoes unpacking. Called with ZARNO, the command to run, FOLDER, an empty place to work in, and IMPORT where
+# there is that command.
 function(expect code said)
     execute_process(COMMAND ${ZARNO} ${ARGN} WORKING_DIRECTORY ${FOLDER} RESULT_VARIABLE result OUTPUT_VARIABLE out
                     ERROR_VARIABLE error)
@@ -38,6 +39,14 @@ expect(0 "" pack out two.zse)
 execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${FOLDER}/one.zse ${FOLDER}/two.zse RESULT_VARIABLE differ)
 if(differ)
     message(SEND_ERROR "packing did not undo unpacking")
+endif()
+
+if(IMPORT)
+    file(WRITE ${FOLDER}/x.sfz "<region>sample=absent.wav")
+    expect(1 "x.sfz: there is nothing in it" import x.sfz out.zse)
+    expect(1 "absent.sfz: there is no such file" import absent.sfz out.zse)
+    expect(1 "bad: there are no sound files" import bad out.zse --pattern "{key}")
+    expect(2 "excludes" import x.sfz out.zse --stream --memory)
 endif()
 
 # A module with the stub text of Windows is branded in place, any other by a file beside it.
