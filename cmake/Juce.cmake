@@ -39,6 +39,7 @@ find_package(JPEG REQUIRED)
 find_package(ZLIB REQUIRED)
 target_link_libraries(zarno_juce PUBLIC PNG::PNG JPEG::JPEG ZLIB::ZLIB)
 if(WIN32)
+    target_sources(zarno_juce PRIVATE ${CMAKE_CURRENT_LIST_DIR}/juce/DisplayFactory_win32.cpp)
     target_link_directories(zarno_juce PUBLIC ${zarnoMingwLibs}/lib) # JUCE asks for zlib as plain -lz
 endif()
 

@@ -6,6 +6,7 @@
 #include "gui/PanelEdits.h"
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
+#include "platform/MessageBox.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
 #include "shell/KeyboardRoute.h"
@@ -132,6 +133,11 @@ void CZSPGUI::loadingFinished() {
 void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                                  std::function<void(const juce::File&)> answer) {
     question_.locateSampleFolder(sampleName, start, std::move(answer));
+}
+
+void CZSPGUI::timerCallback() {
+    refresh();
+    repainter_.paintWhatWaits();
 }
 
 void CZSPGUI::refresh() {
@@ -312,7 +318,8 @@ void CZSPGUI::showMissingMenu(juce::Component& source) {
 }
 
 juce::StringArray CZSPGUI::information() const {
-    juce::StringArray lines("Zarno Sampler Player " ZARNO_VERSION, link_.packTitle(), link_.vendorText());
+    juce::StringArray lines("Zarno Sampler Player " ZARNO_VERSION, titleText(), link_.packTitle(),
+                            link_.vendorText());
     lines.removeEmptyStrings();
     return lines;
 }
@@ -350,9 +357,16 @@ bool CZSPGUI::keyStateChanged(bool isKeyDown) {
     return !keyboards.empty() && !list_.isVisible() && keyboards.front()->keyStateChanged(isKeyDown);
 }
 
-// Never blocks: a host, or a test without a user, goes on.
+// On Windows the system's own box, later: it runs messages of its own, and now the panel is being built.
+// Elsewhere one of the framework's, which does not block.
 void CZSPGUI::showMessage(const juce::String& caption, const juce::String& text) {
+    if (!link_.takeTurnToTell()) return;
+#if JUCE_WINDOWS
+    juce::MessageManager::callAsync(
+        [caption, text] { showMessageBox(caption.toStdString(), text.toStdString()); });
+#else
     juce::AlertWindow::showMessageBoxAsync(juce::MessageBoxIconType::WarningIcon, caption, text, "OK", this);
+#endif
 }
 
 } // namespace zarno

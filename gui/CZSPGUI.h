@@ -8,6 +8,7 @@
 #include "gui/GroupSelection.h"
 #include "gui/InstrumentListPanel.h"
 #include "gui/KeyRoles.h"
+#include "gui/Repainter.h"
 #include "gui/StatusBar.h"
 #include "shell/EditorLink.h"
 
@@ -66,7 +67,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void paint(juce::Graphics&) override;
 
   private:
-    void timerCallback() override { refresh(); }
+    void timerCallback() override;
     void connectBar();
     void fitToPanel();
 
@@ -96,6 +97,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     FileDialogs dialogs_;  // the user's own
     FileDialogs question_; // the load's
     juce::TooltipWindow tooltips_{this, 900};
+    Repainter repainter_{*this};
 
     GroupSelection selection_;
     ControlRefresh refresh_;

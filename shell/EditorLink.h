@@ -81,6 +81,10 @@ class EditorLink {
     /// The user says where the missing samples are: remembered as for the search dialog, then tryAgain.
     virtual void locateMissingSamples(const juce::File& folder) = 0;
 
+    /// Whether what is wrong with the loaded instrument's panel is still to be told: once for each load,
+    /// however often its window opens.
+    virtual bool takeTurnToTell() = 0;
+
     /// Texts kept per user, across instances and sessions.
     virtual juce::String setting(const juce::String& key, const juce::String& fallback = {}) const = 0;
     virtual void setSetting(const juce::String& key, const juce::String& value) = 0;

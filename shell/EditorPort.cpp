@@ -61,6 +61,11 @@ void EditorPort::locateMissingSamples(const juce::File& folder) {
     tryAgain();
 }
 
+bool EditorPort::takeTurnToTell() {
+    const auto load = processor_.loadGeneration();
+    return std::exchange(toldLoad_, load) != load;
+}
+
 juce::String EditorPort::setting(const juce::String& key, const juce::String& fallback) const {
     return processor_.settings().get(key, fallback);
 }

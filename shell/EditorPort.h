@@ -4,6 +4,7 @@
 #include "shell/EditorLink.h"
 
 #include <atomic>
+#include <optional>
 
 namespace zarno {
 
@@ -34,6 +35,7 @@ class EditorPort final : public EditorLink {
     double loadProgress() const override;
     Missing missingSamples() const override;
     void locateMissingSamples(const juce::File& folder) override;
+    bool takeTurnToTell() override;
     juce::String setting(const juce::String& key, const juce::String& fallback) const override;
     void setSetting(const juce::String& key, const juce::String& value) override;
     juce::String packTitle() const override;
@@ -44,6 +46,7 @@ class EditorPort final : public EditorLink {
   private:
     CZSP& processor_;
     std::atomic<EditorWindow*> window_{nullptr};
+    std::optional<std::uint32_t> toldLoad_;
 };
 
 } // namespace zarno

@@ -231,6 +231,75 @@ TEST_F(WindowOnScreen, NotesOfItsKeyboardEndWithIt) {
     EXPECT_FALSE(state.isNoteOn(1, key));
 }
 
+TEST_F(WindowOnScreen, TakesTheMouseOnEveryControlWhileAudioRuns) {
+    std::string elements = "<keyboard x='0' y='210' width='600' height='40'/>";
+    int column = 0;
+    for (const int id : {1, 2, 3, 4, 5, 6, 7, 8, 9, 100, 101, 102, 103, 104, 105, 250})
+        for (const auto& [tag, y] : {std::pair{"knob", 0}, std::pair{"combo", 70}, std::pair{"button", 140}})
+            elements += juce::String("<TAG x='X' y='Y' width='30' 2='ID' 3='1'/>")
+                            .replace("TAG", tag)
+                            .replace("X", juce::String(column++ / 3 * 32))
+                            .replace("Y", juce::String(y))
+                            .replace("ID", juce::String(id))
+                            .toStdString();
+    load("<player>" + elements + "</player>");
+    open();
+    window->addToDesktop(0);
+    std::atomic<bool> done{false};
+    std::thread audio([&] {
+        for (int block = 0; !done; ++block) {
+            link.route.handOver(juce::MidiMessage::noteOn(1, 40 + block % 40, 0.5f), 3);
+            link.route.handOver(juce::MidiMessage::noteOff(1, 40 + (block + 20) % 40), 9);
+            renderOneBlock();
+        }
+    });
+    const auto mouse = [&](juce::Component& control, float x, float y, int buttons) {
+        const juce::Point<float> at(static_cast<float>(control.getWidth()) * x,
+                                    static_cast<float>(control.getHeight()) * y);
+        window->getPeer()->handleMouseEvent(
+            juce::MouseInputSource::InputSourceType::mouse, window->getLocalPoint(&control, at), buttons,
+            juce::MouseInputSource::defaultPressure, juce::MouseInputSource::defaultOrientation,
+            juce::Time::currentTimeMillis());
+    };
+    int held = 0;
+    for (int round = 0; round < 10; ++round) {
+        for (const auto& control : controls().all) {
+            mouse(*control, 0.5f, 0.5f, 0);
+            for (const float place : {0.5f, 0.1f, 0.9f, 0.3f}) {
+                mouse(*control, place, place, juce::ModifierKeys::leftButtonModifier);
+                held += control->isMouseButtonDown() ? 1 : 0;
+                tick();
+            }
+            mouse(*control, 0.5f, 0.5f, 0);
+        }
+        for (auto* combo : controls().combos)
+            combo->setSelectedItemIndex(round % std::max(1, combo->getNumItems()),
+                                        juce::sendNotificationSync);
+        window->rebuildPlayer();
+    }
+    done = true;
+    audio.join();
+    EXPECT_EQ(held, 10 * 4 * 49) << "every control had the mouse";
+    EXPECT_GT(link.edits, 100);
+}
+
+#if !JUCE_WINDOWS // where it is the system's own box
+TEST_F(WindowOnScreen, TellsOncePerLoadWhatIsWrongWithAPanel) {
+    auto& boxes = *juce::ModalComponentManager::getInstance();
+    for (const auto& [layout, caption] : {std::pair{"<panel/>", "Zarno Sampler Player"},
+                                          std::pair{"<player><label", "Layout XML Format Error"}}) {
+        load(layout);
+        for (const int expected : {1, 0}) {
+            open();
+            ASSERT_EQ(boxes.getNumModalComponents(), expected);
+            if (expected == 0) break;
+            EXPECT_EQ(boxes.getModalComponent(0)->getName(), caption);
+            EXPECT_TRUE(boxes.cancelAllModalComponents());
+        }
+    }
+}
+#endif
+
 std::vector<std::string> describe(const juce::PopupMenu& menu) {
     std::vector<std::string> lines;
     for (juce::PopupMenu::MenuItemIterator items(menu); items.next();) {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <set>
 #include <thread>
 
 namespace zarno::test {
@@ -15,9 +16,16 @@ std::vector<TimedEvent> notes() {
     std::vector<TimedEvent> events;
     for (int i = 0; i < 40; ++i) {
         events.push_back({i * 1103 + 7, noteOn(40 + i, 1 + i * 3)});
-        events.push_back({i * 1103 + 900, {0x80, static_cast<std::uint8_t>(40 + i), 0}});
+        events.push_back({i * 1103 + 900, noteOff(40 + i)});
     }
     return events;
+}
+
+std::unique_ptr<EditorWindow> openWindow(HostedPlugin& plugin) {
+    std::string error;
+    auto window = EditorWindow::open(plugin, error);
+    EXPECT_NE(window, nullptr) << error;
+    return window;
 }
 
 TEST(WindowOnScreen, ChangesNoSampleOfTheSong) {
@@ -25,12 +33,7 @@ TEST(WindowOnScreen, ChangesNoSampleOfTheSong) {
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());
     const auto play = [&](bool open) {
         const auto plugin = rig.loadActive();
-        std::string error;
-        std::unique_ptr<EditorWindow> window;
-        if (open) {
-            window = EditorWindow::open(*plugin, error);
-            EXPECT_NE(window, nullptr) << error;
-        }
+        const auto window = open ? openWindow(*plugin) : nullptr;
         return render(*plugin, 48000, notes());
     };
     const Rendered closed = play(false);
@@ -38,28 +41,94 @@ TEST(WindowOnScreen, ChangesNoSampleOfTheSong) {
     EXPECT_EQ(play(true), closed);
 }
 
+// Plays notes on a thread of its own for as long as it lives.
+class Audio {
+  public:
+    explicit Audio(HostedPlugin& plugin)
+        : thread_([this, &plugin] {
+            while (!done_) {
+                render(plugin, 2048, {{3, noteOn(60)}, {1800, noteOff(60)}});
+                ++blocks_;
+            }
+        }) {}
+    ~Audio() {
+        done_ = true;
+        thread_.join();
+    }
+    int blocks() const { return blocks_; }
+
+  private:
+    std::atomic<bool> done_{false};
+    std::atomic<int> blocks_{0};
+    std::thread thread_;
+};
+
 TEST(WindowOnScreen, OpensAndClosesWhileAudioRenders) {
     HostRig rig;
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());
     const auto plugin = rig.loadActive();
-    std::atomic<bool> done{false};
-    std::atomic<int> blocks{0};
-    std::thread audio([&] {
-        while (!done) {
-            render(*plugin, 2048, {{3, noteOn(60)}, {1800, {0x80, 60, 0}}});
-            ++blocks;
-        }
-    });
-    constexpr int cycles = 100;
+    const Audio audio(*plugin);
+    constexpr int cycles = 500;
     for (int i = 0; i < cycles; ++i) {
-        std::string error;
-        const auto window = EditorWindow::open(*plugin, error);
-        EXPECT_NE(window, nullptr) << error; // no early return: the thread must be joined
+        const auto window = openWindow(*plugin);
         if (window == nullptr) break;
+        if (i % 10 == 0) window->run(0.03); // long enough to be painted
     }
-    done = true;
-    audio.join();
-    EXPECT_GT(blocks, cycles);
+    EXPECT_GT(audio.blocks(), cycles);
+}
+
+TEST(WindowOnScreen, TakesTheSizeOfWhatIsLoadedMeanwhile) {
+    HostRig rig;
+    auto wide = levelInstrument("Wide");
+    rig.addInstrument("a.zse", wide.bytes());
+    wide.layout = "<player width='720' height='300'><label 2='1' width='200'/></player>";
+    rig.addInstrument("b.zse", wide.bytes());
+    const auto plugin = rig.loadActive();
+    const auto window = openWindow(*plugin);
+    ASSERT_NE(window, nullptr);
+    const Audio audio(*plugin);
+    for (const int program : {1, 0, 1, 0, 1}) {
+        plugin->selectProgram(program);
+        EXPECT_TRUE(plugin->waitForLoading(60));
+        window->run(0.1);
+        EXPECT_EQ(plugin->editorSize().width, program == 1 ? 720 : 593);
+    }
+    EXPECT_EQ(window->picture().width, 720);
+}
+
+TEST(WindowOnScreen, GrowsWithTheScaleOfTheHost) {
+    HostRig rig;
+    rig.addInstrument("level.zse", levelInstrument("Level").bytes());
+    const auto plugin = rig.loadActive();
+    const auto window = openWindow(*plugin);
+    ASSERT_NE(window, nullptr);
+    const auto plain = plugin->editorSize();
+    for (const float scale : {2.0f, 1.0f}) {
+        plugin->call(Vst2::effVendorSpecific, 0x50726553, 0x41654373, nullptr, scale); // 'PreS', 'AeCs'
+        window->run(0.1);
+        EXPECT_EQ(plugin->editorSize().width, plain.width * scale);
+        EXPECT_EQ(plugin->editorSize().height, plain.height * scale);
+    }
+}
+
+// Also where the screen has no vertical blank for the framework to paint at.
+TEST(WindowOnScreen, PaintsWhatChanges) {
+    HostRig rig;
+    rig.addInstrument("level.zse", levelInstrument("Level").bytes());
+    const auto plugin = rig.loadActive();
+    const auto window = openWindow(*plugin);
+    ASSERT_NE(window, nullptr);
+    const auto shown = [&](const TimedEvent& event) {
+        render(*plugin, 8192, {event}); // long enough for the release to end
+        window->run(0.7);
+        return window->picture();
+    };
+    const Picture silent = shown({0, noteOff(60)}), lit = shown({0, noteOn(60)});
+    EXPECT_EQ(silent.width, plugin->editorSize().width);
+    EXPECT_EQ(silent.pixels.size(), 3u * silent.width * silent.height);
+    EXPECT_GT(std::set(silent.pixels.begin(), silent.pixels.end()).size(), 64u) << "one plain surface";
+    EXPECT_FALSE(lit == silent);
+    EXPECT_EQ(shown({0, noteOff(60)}), silent);
 }
 
 // Editors of two instances, opened before processing is turned on, twice without being closed, closed in any

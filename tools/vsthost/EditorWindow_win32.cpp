@@ -84,10 +84,31 @@ void EditorWindow::run(double seconds) {
     const auto end = Clock::now() + std::chrono::duration<double>(seconds);
     while (Clock::now() < end) {
         impl_->plugin.idle();
-        // Displays without a vertical blank never ask for a second picture by themselves.
-        RedrawWindow(impl_->window, nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+}
+
+Picture EditorWindow::picture() const {
+    const HWND editor = GetWindow(impl_->window, GW_CHILD);
+    RECT area;
+    if (editor == nullptr || !GetClientRect(editor, &area)) return {};
+    Picture picture{area.right, area.bottom, {}};
+    BITMAPINFO form{};
+    form.bmiHeader = {sizeof form.bmiHeader, picture.width, -picture.height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    const HDC screen = GetDC(editor), memory = CreateCompatibleDC(screen);
+    void* bits = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(screen, &form, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ former = SelectObject(memory, bitmap);
+    const bool isCopied = BitBlt(memory, 0, 0, picture.width, picture.height, screen, 0, 0, SRCCOPY) != 0;
+    GdiFlush();
+    const auto* pixel = static_cast<const std::uint8_t*>(bits);
+    for (int i = 0; isCopied && bits != nullptr && i < picture.width * picture.height; ++i, pixel += 4)
+        picture.pixels.insert(picture.pixels.end(), {pixel[2], pixel[1], pixel[0]});
+    SelectObject(memory, former);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    ReleaseDC(editor, screen);
+    return picture.pixels.empty() ? Picture{} : picture;
 }
 
 } // namespace zarno

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include <X11/Xlib.h>
+#include <X11/Xutil.h>
 
 namespace zarno {
 
@@ -90,6 +91,23 @@ void EditorWindow::run(double seconds) {
         impl_->plugin.idle();
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+}
+
+Picture EditorWindow::picture() const {
+    XWindowAttributes shown;
+    if (XGetWindowAttributes(impl_->display, impl_->window, &shown) == 0) return {};
+    const auto width = static_cast<unsigned>(shown.width), height = static_cast<unsigned>(shown.height);
+    XImage* image = XGetImage(impl_->display, impl_->window, 0, 0, width, height, AllPlanes, ZPixmap);
+    if (image == nullptr) return {};
+    Picture picture{shown.width, shown.height, {}};
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            const unsigned long pixel = XGetPixel(image, x, y);
+            for (const int shift : {16, 8, 0})
+                picture.pixels.push_back(static_cast<std::uint8_t>(pixel >> shift));
+        }
+    XDestroyImage(image);
+    return picture;
 }
 
 } // namespace zarno

@@ -11,9 +11,14 @@
 
 #include <CLI/CLI.hpp>
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <future>
+#include <thread>
+
+#include <png.h>
 
 namespace zarno {
 namespace {
@@ -22,7 +27,7 @@ enum ExitCode { done = 0, badInput = 1, badUsage = 2 };
 constexpr double longestLoad = 600.0; // seconds
 
 struct Arguments {
-    std::string module, song, wave, saveChunk, loadChunk;
+    std::string module, song, wave, saveChunk, loadChunk, picture;
     HostedPlugin::Options host;
     bool info = false, json = false, realtime = false;
     int bits = 16, program = -1;
@@ -45,9 +50,13 @@ void declare(CLI::App& app, Arguments& arguments) {
     app.add_option("--save-chunk", arguments.saveChunk, "Save the plug-in's state at the end");
     app.add_option("--load-chunk", arguments.loadChunk, "Restore a state first");
     app.add_option("--program", arguments.program, "Choose this instrument of the library");
-    app.add_option("--editor", arguments.editorSeconds, "Open the editor for so many seconds");
-    app.add_flag("--realtime", arguments.realtime,
-                 "Tell the plug-in that this is live playing, not a bounce");
+    auto* editor = app.add_option("--editor", arguments.editorSeconds,
+                                  "Open the editor for so many seconds, and while the song plays");
+    app.add_option("--picture", arguments.picture, "Save what the editor shows at the end as PNG")
+        ->needs(editor);
+    app.add_flag(
+        "--realtime", arguments.realtime,
+        "Tell the plug-in that this is live playing, not a bounce; with the editor open, at its pace");
     app.add_option("--seed", arguments.seed, "Make the plug-in's random choices repeatable")
         ->each([&](const std::string&) { arguments.hasSeed = true; });
 }
@@ -91,10 +100,16 @@ int play(HostedPlugin& plugin, const Arguments& arguments) {
     if (writes && !wave.open(arguments.wave, static_cast<int>(arguments.host.sampleRate), 2,
                              static_cast<WavWriter::Format>(arguments.bits)))
         return fail("cannot write " + arguments.wave);
+    using Clock = std::chrono::steady_clock;
+    const auto begin = Clock::now();
+    const bool isPaced = arguments.realtime && plugin.isEditorOpen();
+    std::chrono::duration<double> heard{0.0};
     bool written = true;
     const auto played =
         playSong(plugin, *song, arguments.tail, [&](const float* const* channels, int frames) {
             written = !writes || wave.write(channels, frames);
+            heard += std::chrono::duration<double>(frames / arguments.host.sampleRate);
+            if (isPaced) std::this_thread::sleep_until(begin + heard);
             return written;
         });
     if (!written || !wave.close()) return fail("cannot write all of " + arguments.wave);
@@ -102,14 +117,38 @@ int play(HostedPlugin& plugin, const Arguments& arguments) {
     return done;
 }
 
-int showEditor(HostedPlugin& plugin, double seconds) {
+bool savePicture(const Picture& picture, const std::string& path) {
+    png_image png{};
+    png.version = PNG_IMAGE_VERSION;
+    png.format = PNG_FORMAT_RGB;
+    png.width = static_cast<png_uint_32>(picture.width);
+    png.height = static_cast<png_uint_32>(picture.height);
+    png_alloc_size_t size = 0;
+    if (png_image_write_to_memory(&png, nullptr, &size, 0, picture.pixels.data(), 0, nullptr) == 0)
+        return false;
+    std::vector<char> bytes(size);
+    if (png_image_write_to_memory(&png, bytes.data(), &size, 0, picture.pixels.data(), 0, nullptr) == 0)
+        return false;
+    std::ofstream file(filePath(path), std::ios::binary | std::ios::trunc);
+    file.write(bytes.data(), static_cast<std::streamsize>(size));
+    return !file.flush().fail();
+}
+
+int showEditor(HostedPlugin& plugin, const Arguments& arguments) {
     std::string error;
     const auto window = EditorWindow::open(plugin, error);
     if (!window) return fail(error);
     const auto size = plugin.editorSize();
     std::printf("editor open, %d x %d\n", size.width, size.height);
-    window->run(seconds);
-    return done;
+    std::future<int> song;
+    if (!arguments.song.empty())
+        song = std::async(std::launch::async, [&] { return play(plugin, arguments); });
+    window->run(arguments.editorSeconds);
+    while (song.valid() && song.wait_for(std::chrono::seconds(0)) != std::future_status::ready)
+        window->run(0.02);
+    if (!arguments.picture.empty() && !savePicture(window->picture(), arguments.picture))
+        return fail("cannot write " + arguments.picture);
+    return song.valid() ? song.get() : done;
 }
 
 int run(const Arguments& arguments) {
@@ -127,9 +166,10 @@ int run(const Arguments& arguments) {
         std::fputs((arguments.json ? reportAsJson(report) : reportAsText(report)).c_str(), stdout);
     }
     int result = done;
-    if (!arguments.song.empty()) result = play(*plugin, arguments);
-    if (result == done && arguments.editorSeconds > 0.0)
-        result = showEditor(*plugin, arguments.editorSeconds);
+    if (arguments.editorSeconds > 0.0)
+        result = showEditor(*plugin, arguments);
+    else if (!arguments.song.empty())
+        result = play(*plugin, arguments);
     if (result == done && !arguments.saveChunk.empty() && !saveTo(arguments.saveChunk, *plugin))
         return fail("cannot write " + arguments.saveChunk);
     return result;

@@ -7,7 +7,9 @@
 
 #include <juce_audio_processors/juce_audio_processors.h>
 
+#include <atomic>
 #include <map>
+#include <optional>
 
 namespace zarno {
 
@@ -38,7 +40,9 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     juce::CriticalSection lock;
     KeyboardRoute route{instrument};
     EditorWindow* window = nullptr;
-    std::uint32_t groups = 0, loads = 0;
+    std::atomic<std::uint32_t> groups{0}; // counted on the audio thread
+    std::uint32_t loads = 0;
+    std::optional<std::uint32_t> toldLoad;
     juce::StringArray titles;
     int index = -1;
     bool loading = false, succeeded = true;
@@ -64,6 +68,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     double loadProgress() const override { return progress; }
     Missing missingSamples() const override { return missing; }
     void locateMissingSamples(const juce::File&) override {}
+    bool takeTurnToTell() override { return std::exchange(toldLoad, loads) != loads; }
     juce::String setting(const juce::String& key, const juce::String& fallback) const override {
         const auto found = settings.find(key);
         return found != settings.end() ? found->second : fallback;

@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// What the user is told in a box of the system's.
+#include "tests/host/HostRig.h"
+#include "tools/vsthost/EditorWindow.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include <windows.h>
+
+namespace zarno::test {
+namespace {
+
+// Reads and dismisses every box with this caption.
+class User {
+  public:
+    explicit User(const wchar_t* caption)
+        : thread_([this, caption] {
+            for (; !done_; Sleep(20)) {
+                const HWND box = FindWindowW(L"#32770", caption);
+                if (box == nullptr) continue;
+                wchar_t text[200] = {};
+                GetWindowTextW(GetDlgItem(box, 0xFFFF), text, 200);
+                read_.emplace_back(text);
+                for (; IsWindow(box); Sleep(20))
+                    PostMessageW(box, WM_CLOSE, 0, 0);
+            }
+        }) {}
+    ~User() { leave(); }
+
+    std::vector<std::wstring> leave() {
+        done_ = true;
+        if (thread_.joinable()) thread_.join();
+        return read_;
+    }
+
+  private:
+    std::atomic<bool> done_{false};
+    std::vector<std::wstring> read_;
+    std::thread thread_;
+};
+
+TEST(MessageBoxOnScreen, TellsOncePerLoadWhatIsWrongWithAPanel) {
+    HostRig rig;
+    auto wrong = levelInstrument("Wrong");
+    wrong.layout = "<panel/>";
+    rig.addInstrument("wrong.zse", wrong.bytes());
+    const auto plugin = rig.loadActive();
+    User user(L"Zarno Sampler Player");
+    for (int opening = 0; opening < 3; ++opening) {
+        std::string error;
+        const auto window = EditorWindow::open(*plugin, error);
+        ASSERT_NE(window, nullptr) << error;
+        window->run(0.5);
+    }
+    EXPECT_EQ(user.leave(), std::vector<std::wstring>{L"No Player Node found"});
+}
+
+} // namespace
+} // namespace zarno::test
