@@ -2,10 +2,14 @@
 // Pictures of the window for documents and for eyes: the real window over a stand-in for the processor, on
 // whatever screen there is. Everything that is open is drawn into one picture, menus included.
 //
-//   zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER     (layout.xml and panel.png of an example panel)
+//   zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]
+//
+// EXAMPLE_FOLDER holds layout.xml and panel.png of an example panel. With APPROVED_FOLDER, pictures that
+// differ from those there are a failure.
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "tests/gui/support/FakeLink.h"
+#include "tests/gui/support/PictureDistance.h"
 
 #include <functional>
 #include <iostream>
@@ -41,9 +45,10 @@ void fillEngine(FakeLink& link) {
 
 class Session final : private juce::Timer {
   public:
-    Session(juce::File output, juce::File example)
+    Session(juce::File output, juce::File example, juce::File approved)
         : output_(std::move(output))
-        , example_(std::move(example)) {
+        , example_(std::move(example))
+        , approved_(std::move(approved)) {
         lookAndFeel_.install();
         fillEngine(link_);
         window_ = std::make_unique<CZSPGUI>(processor_, link_);
@@ -130,10 +135,24 @@ class Session final : private juce::Timer {
         file.setPosition(0);
         file.truncate();
         isGood_ = isGood_ && juce::PNGImageFormat().writeImageToStream(image, file);
-        std::cout << name << ".png " << image.getWidth() << " x " << image.getHeight() << "\n";
+        std::cout << name << ".png " << image.getWidth() << " x " << image.getHeight();
+        if (approved_ != juce::File()) compare(name, image);
+        std::cout << "\n";
     }
 
-    juce::File output_, example_;
+    // Menus are as large as their text, which comes out otherwise on another system.
+    void compare(const juce::String& name, const juce::Image& image) {
+        constexpr double tolerance = 30.0;
+        constexpr int sizeTolerance = 24;
+        const auto approved = juce::PNGImageFormat::loadFrom(approved_.getChildFile(name + ".png"));
+        const bool hasSize = std::abs(approved.getWidth() - image.getWidth()) <= sizeTolerance &&
+                             std::abs(approved.getHeight() - image.getHeight()) <= sizeTolerance;
+        const double distance = approved.isValid() ? pictureDistance(approved, image) : 255.0;
+        std::cout << ", differs by " << distance << " of " << tolerance << (hasSize ? "" : ", wrong size");
+        isGood_ = isGood_ && hasSize && distance <= tolerance;
+    }
+
+    juce::File output_, example_, approved_;
     CLookAndFeel lookAndFeel_;
     SilentProcessor processor_;
     FakeLink link_;
@@ -147,15 +166,16 @@ class Session final : private juce::Timer {
 } // namespace zarno
 
 int main(int count, char** arguments) {
-    if (count != 3) {
-        std::cerr << "zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER\n";
+    if (count != 3 && count != 4) {
+        std::cerr << "zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]\n";
         return 2;
     }
     const auto here = juce::File::getCurrentWorkingDirectory();
     const auto output = here.getChildFile(arguments[1]);
     output.createDirectory();
     const juce::ScopedJuceInitialiser_GUI framework;
-    zarno::Session session(output, here.getChildFile(arguments[2]));
+    zarno::Session session(output, here.getChildFile(arguments[2]),
+                           count == 4 ? here.getChildFile(arguments[3]) : juce::File());
     juce::MessageManager::getInstance()->runDispatchLoop();
     return session.isGood() ? 0 : 1;
 }
