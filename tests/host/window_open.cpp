@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <limits>
 #include <set>
 #include <thread>
 
@@ -111,6 +112,14 @@ TEST(WindowOnScreen, GrowsWithTheScaleOfTheHost) {
     }
 }
 
+int differing(const Picture& a, const Picture& b) {
+    if (a.pixels.size() != b.pixels.size()) return std::numeric_limits<int>::max();
+    int count = 0;
+    for (std::size_t i = 0; i < a.pixels.size(); ++i)
+        count += a.pixels[i] != b.pixels[i] ? 1 : 0;
+    return count;
+}
+
 // Also where the screen has no vertical blank for the framework to paint at.
 TEST(WindowOnScreen, PaintsWhatChanges) {
     HostRig rig;
@@ -127,8 +136,10 @@ TEST(WindowOnScreen, PaintsWhatChanges) {
     EXPECT_EQ(silent.width, plugin->editorSize().width);
     EXPECT_EQ(silent.pixels.size(), 3u * silent.width * silent.height);
     EXPECT_GT(std::set(silent.pixels.begin(), silent.pixels.end()).size(), 64u) << "one plain surface";
-    EXPECT_FALSE(lit == silent);
-    EXPECT_EQ(shown({0, noteOff(60)}), silent);
+    const int ofTheKey = differing(lit, silent);
+    EXPECT_GT(ofTheKey, 100);
+    // An edge between two pixels may come out otherwise when only its surroundings are painted again.
+    EXPECT_LT(differing(shown({0, noteOff(60)}), silent), ofTheKey / 10);
 }
 
 // Editors of two instances, opened before processing is turned on, twice without being closed, closed in any

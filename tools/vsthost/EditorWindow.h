@@ -14,7 +14,6 @@ class HostedPlugin;
 struct Picture {
     int width = 0, height = 0;
     std::vector<std::uint8_t> pixels;
-    friend bool operator==(const Picture&, const Picture&) = default;
 };
 
 /// A window of the host's with the plug-in's editor in it.
