@@ -105,6 +105,10 @@ class Session final : private juce::Timer {
     }
 
     void timerCallback() override {
+        if (isShown_ && !hasItsMenu() && ++tries_ < 20) {
+            steps_[step_].second();
+            return;
+        }
         if (isShown_) {
             save(steps_[step_++].first);
             juce::PopupMenu::dismissAllActiveMenus();
@@ -117,6 +121,13 @@ class Session final : private juce::Timer {
             steps_[step_].second();
         }
         isShown_ = !isShown_;
+    }
+
+    // A menu closes at once while the program is not yet the one in front.
+    bool hasItsMenu() const {
+        const juce::String name(steps_[step_].first);
+        const bool isMenu = name.contains("menu") || name.contains("missing");
+        return !isMenu || juce::Desktop::getInstance().getNumComponents() > 1;
     }
 
     void save(const juce::String& name) {
@@ -161,6 +172,7 @@ class Session final : private juce::Timer {
     std::unique_ptr<CZSPGUI> window_;
     std::vector<std::pair<const char*, std::function<void()>>> steps_;
     std::size_t step_ = 0;
+    int tries_ = 0; // of all menus
     bool isShown_ = false, isGood_ = true;
 };
 
