@@ -158,6 +158,14 @@ TEST_F(InstrumentFiles, TextsEndAtTheirLimit) {
     EXPECT_EQ(instrument.texts().name, file.name);
     EXPECT_EQ(instrument.texts().title, "Title");
     EXPECT_EQ(peekHeader(folder / "x.zse")->title, "Title");
+
+    file.title = file.remark = file.name;
+    file.groups = {{file.name, {}, {}, {}}};
+    file.licences = {file.name, "short"};
+    ASSERT_TRUE(load());
+    EXPECT_EQ(instrument.texts().remark, file.remark);
+    EXPECT_EQ(instrument.texts().licences, file.licences);
+    EXPECT_EQ(instrument.groups()[0]->name, file.groups[0].name);
 }
 
 TEST_F(InstrumentFiles, ExternalZonesComeFromWaveFiles) {

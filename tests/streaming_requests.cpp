@@ -87,6 +87,17 @@ class StreamRequests : public testing::Test {
     int signals = 0;
 };
 
+// Whoever renders many frames at once reads plainly, so only what the disk thread has let go of.
+TEST_F(StreamRequests, ThatAreLateLeaveNoWindow) {
+    start();
+    float left, right;
+    for (int i = 0; i <= chunk; ++i)
+        voices[0]->render(left, right);
+    EXPECT_EQ(voices[0]->frameWindow().data, nullptr);
+    play(1);
+    EXPECT_NE(voices[0]->frameWindow().data, nullptr);
+}
+
 TEST_F(StreamRequests, ComeWithTheFirstAdvanceAndWithEachSwitch) {
     start();
     using Request = std::array<std::int64_t, 3>;
