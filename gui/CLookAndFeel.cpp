@@ -75,7 +75,6 @@ CLookAndFeel::CLookAndFeel()
     setColour(juce::Slider::rotarySliderOutlineColourId, Colour(0x66c9ccd3));
     setColour(juce::Slider::rotarySliderFillColourId, Colour(theme::accent));
     setColour(juce::Slider::thumbColourId, Colour(theme::accent));
-    setColour(juce::ListBox::backgroundColourId, juce::Colours::white);
     setColour(juce::PopupMenu::backgroundColourId, Colour(0xff24272d));
     setColour(juce::PopupMenu::headerTextColourId, Colour(theme::quietText));
     setColour(juce::BubbleComponent::backgroundColourId, Colour(0xff24272d));

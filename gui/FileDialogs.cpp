@@ -31,7 +31,8 @@ void FileDialogs::locateSampleFolder(const juce::String& sampleName, const juce:
 
 void FileDialogs::launch(const juce::String& title, const juce::File& start, const juce::String& patterns,
                          int flags, Answer answer) {
-    const auto documents = juce::File::getSpecialLocation(juce::File::userDocumentsDirectory);
+    auto documents = juce::File::getSpecialLocation(juce::File::userDocumentsDirectory);
+    if (!documents.isDirectory()) documents = juce::File::getSpecialLocation(juce::File::userHomeDirectory);
     const bool isThere =
         start != juce::File() && (start.exists() || start.getParentDirectory().isDirectory());
     chooser_ =

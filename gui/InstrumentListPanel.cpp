@@ -9,6 +9,7 @@ InstrumentListPanel::InstrumentListPanel(juce::ListBoxModel& model, std::functio
     : titles_(std::move(titles)) {
     list_.setModel(&model);
     list_.setRowHeight(22);
+    list_.setColour(juce::ListBox::backgroundColourId, juce::Colours::white); // as its even rows
     list_.setTitle("Instrument list");
     list_.addMouseListener(this, true);
     addAndMakeVisible(list_);
