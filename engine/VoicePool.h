@@ -13,8 +13,6 @@ namespace zarno {
 // fill().
 class VoicePool {
   public:
-    static constexpr int maxVoices = 1024;
-
     using Voices = std::vector<std::unique_ptr<ZVoice>>;
 
     // Replaces all voices. Nothing may be rendering.

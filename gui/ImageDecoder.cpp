@@ -24,7 +24,7 @@ struct Source {
         return true;
     }
     bool allows(std::int64_t width, std::int64_t height) const {
-        return width > 0 && height > 0 && width <= maxImageSide && height <= maxImageSide &&
+        return width > 0 && height > 0 && width <= limits::imageSide && height <= limits::imageSide &&
                static_cast<std::size_t>(width * height) <= maxPixels;
     }
 };

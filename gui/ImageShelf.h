@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/Limits.h"
 #include "gui/LayoutReader.h"
 
 #include <vector>
@@ -13,10 +14,8 @@ class ImageShelf {
     explicit ImageShelf(std::vector<LayoutImage> images);
 
     // The first in document order that has the number and can be decoded; a null image when there is none.
-    // All images of a shelf together have at most maxPixels: those beyond count as undecodable.
+    // All images of a shelf together have at most limits::imagePixels: those beyond count as undecodable.
     juce::Image find(int number);
-
-    static constexpr std::size_t maxPixels = 64 * 1024 * 1024;
 
   private:
     struct Entry {
@@ -25,7 +24,7 @@ class ImageShelf {
         bool isTried = false;
     };
     std::vector<Entry> entries_;
-    std::size_t pixelsLeft_ = maxPixels;
+    std::size_t pixelsLeft_ = limits::imagePixels;
 };
 
 } // namespace zarno

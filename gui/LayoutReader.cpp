@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/LayoutReader.h"
 
+#include "data/Limits.h"
 #include "gui/XmlGuard.h"
 #include "platform/Utf8.h"
 
@@ -55,7 +56,7 @@ class Attributes {
             if (given.equalsIgnoreCase(name)) return &value;
         return nullptr;
     }
-    int number(juce::StringRef name, int fallback, int limit = LayoutLimits::coordinate) const {
+    int number(juce::StringRef name, int fallback, int limit = limits::coordinate) const {
         const auto* text = find(name);
         return text != nullptr ? integer(*text, limit) : fallback;
     }
@@ -97,8 +98,8 @@ ControlDescription readControl(ControlKind kind, const juce::XmlElement& element
     ControlDescription control;
     control.kind = kind;
     control.bounds = {attributes.number("x", 0), attributes.number("y", 0),
-                      std::max(0, attributes.number("width", 50, LayoutLimits::panelLength)),
-                      std::max(0, attributes.number("height", 50, LayoutLimits::panelLength))};
+                      std::max(0, attributes.number("width", 50, limits::panelLength)),
+                      std::max(0, attributes.number("height", 50, limits::panelLength))};
     if (attributes.find("1") != nullptr) control.image = attributes.number("1", -1);
     control.id = attributes.number("2", -1);
     control.flag = isTrue(attributes.text("3"));
@@ -142,14 +143,14 @@ void readImages(const juce::XmlElement& parent, std::vector<LayoutImage>& images
 Layout readPlayer(const juce::XmlElement& root) {
     const Attributes attributes(root);
     Layout layout;
-    layout.width = std::clamp(attributes.number("width", 600), 1, LayoutLimits::panelLength);
-    layout.height = std::clamp(attributes.number("height", 250), 1, LayoutLimits::panelLength);
+    layout.width = std::clamp(attributes.number("width", 600), 1, limits::panelLength);
+    layout.height = std::clamp(attributes.number("height", 250), 1, limits::panelLength);
     for (const auto* element : root.getChildIterator()) {
         if (element->isTextElement()) continue;
         if (element->getTagName().equalsIgnoreCase("images"))
             readImages(*element, layout.images);
         else if (const auto kind = kindOf(element->getTagName());
-                 kind && layout.controls.size() < LayoutLimits::controls)
+                 kind && layout.controls.size() < limits::controls)
             layout.controls.push_back(readControl(*kind, *element));
     }
     return layout;
@@ -162,7 +163,7 @@ LayoutProblem formatError(const juce::String& text) {
 } // namespace
 
 std::variant<Layout, LayoutProblem> readLayout(std::string_view bytes) {
-    if (bytes.size() > LayoutLimits::textBytes) return formatError("the text is too long");
+    if (bytes.size() > limits::layoutBytes) return formatError("the text is too long");
     std::string text = toUtf8(bytes.substr(0, bytes.find('\0')));
     if (text.starts_with("\xEF\xBB\xBF")) text.erase(0, 3);
     if (const char* refusal = refuseXml(text)) return formatError(refusal);

@@ -51,16 +51,9 @@ struct LayoutProblem {
     juce::String caption, text;
 };
 
-// Bounds of what a layout may ask for. Beyond them: too large a text, nested too deeply, or with a document
-// type is a format error; controls past the last one allowed are skipped; lengths are cut.
-struct LayoutLimits {
-    static constexpr std::size_t textBytes = 10 * 1024 * 1024;
-    static constexpr std::size_t controls = 2000;
-    static constexpr int panelLength = 8192;
-    static constexpr int coordinate = 32768;
-};
-
-// Reads the layout text of an instrument (any bytes). Pure: no component, no decoding of images.
+// Reads the layout text of an instrument (any bytes). Pure: no component, no decoding of images. Too large a
+// text, nested too deeply, or with a document type is a format error; controls past the last one allowed are
+// skipped; lengths are cut.
 std::variant<Layout, LayoutProblem> readLayout(std::string_view text);
 
 } // namespace zarno

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/XmlGuard.h"
 
+#include "data/Limits.h"
+
 #include <juce_core/juce_core.h>
 
 namespace zarno {
@@ -16,9 +18,8 @@ bool isNameCharacter(juce::juce_wchar c) {
 // then says that there was one.
 class Walk {
   public:
-    Walk(std::string_view text, const XmlLimits& limits)
-        : text_(text)
-        , limits_(limits) {}
+    explicit Walk(std::string_view text)
+        : text_(text) {}
 
     const char* refusal() {
         skipBlanks();
@@ -120,7 +121,7 @@ class Walk {
 
     // One attribute; false when the parser takes the tag for ended here.
     bool attribute() {
-        if (++attributes_ > limits_.attributes) {
+        if (++attributes_ > limits::xmlAttributes) {
             refuse("too many attributes");
             return false;
         }
@@ -146,7 +147,7 @@ class Walk {
             if (!skipName())
                 return leave(); // the parser gives the element around it up, and reads on behind that
         }
-        if (++elements_ > limits_.elements) return refuse("too many elements");
+        if (++elements_ > limits::xmlElements) return refuse("too many elements");
         for (;;) {
             skipBlanks();
             if (ended_) return;
@@ -156,7 +157,7 @@ class Walk {
             }
             if (here() == '>') {
                 ++position_;
-                if (++depth_ > limits_.nesting) refuse("elements are nested too deeply");
+                if (++depth_ > limits::xmlNesting) refuse("elements are nested too deeply");
                 return;
             }
             if (!skipName() || !attribute())
@@ -187,7 +188,6 @@ class Walk {
     }
 
     std::string_view text_;
-    const XmlLimits& limits_;
     std::size_t position_ = 0;
     int depth_ = 0, elements_ = 0, attributes_ = 0;
     bool ended_ = false;
@@ -196,8 +196,8 @@ class Walk {
 
 } // namespace
 
-const char* refuseXml(std::string_view text, const XmlLimits& limits) {
-    return Walk(text, limits).refusal();
+const char* refuseXml(std::string_view text) {
+    return Walk(text).refusal();
 }
 
 } // namespace zarno

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/HostChunk.h"
 
+#include "data/Limits.h"
 #include "engine/ZGroup.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ std::int32_t readInt(std::span<const std::uint8_t> bytes, std::size_t offset) {
 
 std::vector<std::uint8_t> encodeChunkPath(std::string_view path) {
     path = path.substr(0, path.find('\0'));
-    std::size_t length = std::min(path.size(), chunkPathBytes - 1);
+    std::size_t length = std::min(path.size(), limits::chunkPathBytes - 1);
     while (length < path.size() && length > 0 && (static_cast<unsigned char>(path[length]) & 0xC0) == 0x80)
         --length;
     std::vector<std::uint8_t> bytes(path.begin(), path.begin() + static_cast<std::ptrdiff_t>(length));

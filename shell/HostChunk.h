@@ -24,8 +24,6 @@ namespace zarno {
 
 class ZGroup;
 
-inline constexpr std::size_t chunkPathBytes = 1024; // with the zero byte
-
 /// A chunk of these contents. A longer path is cut, between characters.
 std::vector<std::uint8_t> encodeChunk(std::string_view path, const InstrumentSettings& settings,
                                       std::int32_t currentGroup,

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/Library.h"
 
+#include "data/Limits.h"
 #include "data/load/InstrumentFile.h"
 #include "data/load/ReadAhead.h"
 #include "platform/Folder.h"
@@ -11,8 +12,6 @@
 
 namespace zarno {
 namespace {
-
-constexpr int deepestFolder = 64; // levels
 
 bool hasExtension(std::string_view name, std::string_view extension) {
     if (name.size() <= extension.size()) return false;
@@ -35,7 +34,7 @@ void collect(const std::string& folder, int level, bool behindLink, Found& found
             found.zs2.push_back(joinPath(folder, entry.name));
         if (entry.isFolder && !(entry.isLink && behindLink)) deeper.push_back(std::move(entry));
     }
-    if (level == deepestFolder) return;
+    if (level == limits::libraryDepth) return;
     for (const FolderEntry& entry : deeper)
         collect(joinPath(folder, entry.name), level + 1, behindLink || entry.isLink, found);
 }

@@ -47,7 +47,6 @@ bool writeIdentityFields(std::span<std::uint8_t> moduleStart, const ModuleIdenti
 ModuleIdentity parseSidecar(std::string_view text);
 std::string formatSidecar(const ModuleIdentity& identity);
 inline constexpr const char* sidecarSuffix = ".identity";
-inline constexpr std::size_t sidecarBytes = 4096; // more of one is not read
 
 /// "Zspl" as a number. None unless it has four characters from blank to tilde.
 std::optional<std::uint32_t> uniqueIdFromText(std::string_view text);

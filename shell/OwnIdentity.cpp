@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // Apart from the rest of the identity, which is pure: this asks the disk for the module's own file.
+#include "data/Limits.h"
 #include "platform/File.h"
 #include "platform/Module.h"
 #include "shell/ModuleIdentity.h"
@@ -11,7 +12,7 @@ ModuleIdentity readOwnIdentity() {
     if (hasIdentityFields(start)) return readIdentityFields(start);
     File sidecar(modulePath() + sidecarSuffix);
     if (!sidecar.isOpen()) return builtInIdentity();
-    std::string text(sidecarBytes, '\0');
+    std::string text(limits::sidecarBytes, '\0');
     text.resize(sidecar.read(text.data(), text.size()));
     return parseSidecar(text);
 }

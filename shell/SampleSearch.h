@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/Limits.h"
 #include "platform/Clock.h"
 
 #include <functional>
@@ -21,11 +22,11 @@ class SampleSearch {
         std::string homeFolder;   ///< looked into when nothing was chosen; empty: nowhere
     };
     struct Limits {
-        double totalMs = 2000.0; ///< all walks of one search together
-        double placeMs = 2000.0; ///< one place that nobody chose
+        double totalMs = limits::searchMs;       ///< all walks of one search together
+        double placeMs = limits::unaskedPlaceMs; ///< one place that nobody chose
     };
     /// When there is somebody to ask, and to wait.
-    static constexpr Limits whileWatched{1e9, 10000.0};
+    static constexpr Limits whileWatched{1e9, limits::watchedPlaceMs};
 
     /// `goOn` is asked at every folder.
     SampleSearch(Places places, Limits limits, std::function<bool()> goOn,

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The documents on formats say what the readers do.
+#include "data/Limits.h"
 #include "data/load/InstrumentFormat.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "engine/Records.h"
@@ -85,13 +86,13 @@ TEST(Documents, TheFormatIsTheOneThatIsRead) {
     expectTableOf<GroupRecord>(text, "GroupRecord");
     expectTableOf<ZoneRecord>(text, "ZoneRecord");
 
-    const std::string name = "text, " + std::to_string(format::nameLimit) + " at most";
+    const std::string name = "text, " + std::to_string(limits::nameBytes) + " at most";
     std::map<std::string, std::string> form;
     for (const Row& row : tableUnder(text, "The sequence"))
         form.try_emplace(row[0], row[1]);
     EXPECT_EQ(form["name"], name);
     EXPECT_EQ(form["sample"], name);
-    EXPECT_EQ(form["layout"], "text, " + std::to_string(format::layoutLimit) + " at most");
+    EXPECT_EQ(form["layout"], "text, " + std::to_string(limits::layoutBytes) + " at most");
     EXPECT_EQ(form["settings"], std::to_string(sizeof(InstrumentSettings)) + " bytes");
     EXPECT_THAT(text, HasSubstr('`' + std::string(format::magic, 4) + '`'));
     EXPECT_THAT(text, HasSubstr("int32 | " + std::to_string(format::newestVersion) + " is the newest"));

@@ -203,12 +203,37 @@ TEST_F(InstrumentFiles, MemoryHasTheWidthOfTheFlag) {
     EXPECT_EQ(loadedZone(0).memory->floats()[9], 10.0f / 32768.0f);
 }
 
+// Also when it is named in other ways: else a small file could have a large sample read any number of times.
 TEST_F(InstrumentFiles, ZonesOfOneSampleShareItsMemory) {
     makeExternal();
-    file.groups[0].zones[1].sample = "samples\\a.wav";
-    ASSERT_TRUE(load());
-    EXPECT_EQ(loadedZone(0).memory, loadedZone(1).memory);
-    EXPECT_NE(loadedZone(0).sound, loadedZone(1).sound);
+    std::filesystem::create_hard_link(folder / "samples/a.wav", folder / "samples/b.wav");
+    for (const char* name : {"samples\\a.wav", ".\\samples\\a.wav", ".\\.\\samples/.\\a.wav"})
+        file.groups[0].zones.push_back(zone(name));
+    for (const bool streaming : {false, true}) {
+        file.settings.streamingStored = streaming;
+        ASSERT_TRUE(load());
+        for (std::size_t i = 1; i < 5; ++i) {
+            EXPECT_EQ(loadedZone(0).memory, loadedZone(i).memory) << i;
+            EXPECT_NE(loadedZone(0).sound, loadedZone(i).sound);
+        }
+    }
+}
+
+TEST_F(InstrumentFiles, SamplesMayTakeTheirShareOfMemoryAndNoMore) {
+    const std::string a = folder.write("a.wav", rampWave(10)), b = folder.write("b.wav", rampWave(10));
+    InstrumentSettings settings;
+    settings.sixteenBit = 1;
+    for (const bool streaming : {false, true}) {
+        settings.streaming = streaming;
+        settings.streamBufferFrames = 10;
+        const auto build = [&](ZoneBuilder& builder, const std::string& path) {
+            builder.recordChanged(*builder.fromWaveFile(path));
+        };
+        ZoneBuilder enough(settings, {}, 20), tooLittle(settings, {}, 19);
+        EXPECT_NO_THROW(build(enough, a));
+        EXPECT_THROW(build(enough, b), std::bad_alloc);
+        EXPECT_THROW(build(tooLittle, a), std::bad_alloc);
+    }
 }
 
 TEST_F(InstrumentFiles, EmbeddedZonesShareTheBlockOfTheFirst) {

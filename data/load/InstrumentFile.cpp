@@ -2,6 +2,7 @@
 #include "data/load/InstrumentFile.h"
 
 #include "data/Bytes.h"
+#include "data/Limits.h"
 #include "platform/File.h"
 
 #include <algorithm>
@@ -75,16 +76,16 @@ Refusal Parser::head() {
     if (!matches) return Refusal::NotAnInstrument;
     if (!value(out_.version, "the version")) return Refusal::None;
     if (out_.version > format::newestVersion) return Refusal::TooNew;
-    if (value(out_.storage, "the storage flag") && text(out_.name, format::nameLimit, "the name"))
-        text(out_.title, format::nameLimit, "the title");
+    if (value(out_.storage, "the storage flag") && text(out_.name, limits::nameBytes, "the name"))
+        text(out_.title, limits::nameBytes, "the title");
     return Refusal::None;
 }
 
 void Parser::body() {
     if (out_.incomplete) return;
     static_cast<void>(value(out_.settings, "the instrument record") &&
-                      text(out_.remark, format::nameLimit, "the remark") && image() &&
-                      text(out_.layout, format::layoutLimit, "the layout text") && licences() && groups());
+                      text(out_.remark, limits::nameBytes, "the remark") && image() &&
+                      text(out_.layout, limits::layoutBytes, "the layout text") && licences() && groups());
 }
 
 bool Parser::image() {
@@ -95,11 +96,11 @@ bool Parser::image() {
 
 bool Parser::licences() {
     if (!value(out_.licenceCount, "the licence count")) return false;
-    if (out_.licenceCount > format::licenceLimit) return stop("it states too many licence texts");
+    if (out_.licenceCount > limits::licenceTexts) return stop("it states too many licence texts");
     reserve(out_.licences, out_.licenceCount, 1);
     for (std::int32_t i = 0; i < out_.licenceCount; ++i) {
         StoredText licence;
-        if (!text(licence, format::nameLimit, "licence text " + std::to_string(i + 1))) return false;
+        if (!text(licence, limits::nameBytes, "licence text " + std::to_string(i + 1))) return false;
         out_.licences.push_back(std::move(licence));
     }
     return true;
@@ -116,7 +117,7 @@ bool Parser::groups() {
 bool Parser::group(std::size_t number) {
     GroupEntry entry;
     const std::string where = "group " + std::to_string(number);
-    if (!text(entry.name, format::nameLimit, "the name of " + where)) return false;
+    if (!text(entry.name, limits::nameBytes, "the name of " + where)) return false;
     if (!in_.read(&entry.record, sizeof entry.record)) return endsIn("the record of " + where);
     out_.groups.push_back(std::move(entry));
     GroupEntry& kept = out_.groups.back();
@@ -131,7 +132,7 @@ bool Parser::zone(GroupEntry& group, std::size_t number) {
     ZoneEntry entry;
     const std::string where =
         "zone " + std::to_string(number) + " of group " + std::to_string(out_.groups.size());
-    if (!text(entry.sample, format::nameLimit, "the sample name of " + where)) return false;
+    if (!text(entry.sample, limits::nameBytes, "the sample name of " + where)) return false;
     if (out_.isEmbedded() && !sampleBlock(entry)) return false;
     if (!in_.read(&entry.record, sizeof entry.record)) return endsIn("the record of " + where);
     group.zones.push_back(std::move(entry));

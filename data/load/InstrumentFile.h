@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/Limits.h"
 #include "data/load/InstrumentFormat.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "engine/Records.h"
@@ -94,7 +95,7 @@ struct HeaderNames {
 };
 
 /// All that a peek can need: magic, version, storage and the two texts.
-inline constexpr std::size_t headerPeekBytes = 4 + 4 + 1 + 2 * (format::nameLimit + 1);
+inline constexpr std::size_t headerPeekBytes = 4 + 4 + 1 + 2 * (limits::nameBytes + 1);
 
 /// Reads only the two texts at the start of an instrument file. None when the file is refused.
 std::optional<HeaderNames> peekHeader(const std::string& path);

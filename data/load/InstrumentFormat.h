@@ -5,23 +5,25 @@
 #include <cstdint>
 
 // The instrument file ("*.zse", "*.zs2"): a plain sequence of little-endian fields without padding. Texts are
-// 8-bit and end with a zero byte; counts are signed and count nothing when below 1.
+// 8-bit and end with a zero byte; counts are signed and count nothing when below 1. A text has a limit,
+// nameBytes or layoutBytes of data/Limits.h: with no zero byte among limit + 1 bytes it takes exactly those,
+// and the last one is not part of it.
 //
 //   magic              4 bytes "ZSE "
 //   version            int32
 //   storage            1 byte, see Storage
-//   name               text, nameLimit: shown in the library
-//   title              text, nameLimit: the library lists a file only when it is not empty
+//   name               text, nameBytes: shown in the library
+//   title              text, nameBytes: the library lists a file only when it is not empty
 //   settings           InstrumentSettings, 592 bytes
-//   remark             text, nameLimit
+//   remark             text, nameBytes
 //   image size         int32, then that many bytes: the panel's background, an encoded picture
-//   layout             text, layoutLimit: the panel's layout XML
-//   licence count      int32, then that many texts, nameLimit
+//   layout             text, layoutBytes: the panel's layout XML
+//   licence count      int32, then that many texts, nameBytes
 //   group count        int32, then that many groups:
-//     name             text, nameLimit
+//     name             text, nameBytes
 //     record           GroupRecord, 580 bytes
 //     zone count       int32, then that many zones:
-//       sample         text, nameLimit: a path in backslash form, relative to the instrument
+//       sample         text, nameBytes: a path in backslash form, relative to the instrument
 //       sample block   only in embedded storage, and only when this sample name is new in this file:
 //                      SampleBlockHeader, 24 bytes, then frames x channels samples, each of the width that
 //                      sixteenBitStored says, whatever the block's own header says
@@ -35,15 +37,6 @@ enum Storage : std::uint8_t {
     External = 0, ///< samples are wave files; every other value means embedded
     Embedded = 1
 };
-
-// Longest text before its zero byte. A text with no zero byte among limit + 1 bytes takes exactly those, and
-// the last one is not part of it.
-inline constexpr std::size_t nameLimit = 1024;
-inline constexpr std::size_t layoutLimit = 10 * 1024 * 1024;
-
-// More licence texts than this are no instrument's: a byte each in the file, they would take memory by the
-// gigabyte.
-inline constexpr std::int32_t licenceLimit = 65536;
 
 // The smallest a repeated entry can be, to judge a count before room is made for it.
 inline constexpr std::size_t smallestGroup = 1 + 580 + 4;

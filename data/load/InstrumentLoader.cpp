@@ -2,6 +2,7 @@
 #include "data/load/InstrumentLoader.h"
 
 #include "data/Bytes.h"
+#include "data/Limits.h"
 #include "data/load/InstrumentFile.h"
 #include "data/load/LicenceCheck.h"
 #include "data/load/ReadAhead.h"
@@ -18,8 +19,6 @@
 
 namespace zarno {
 namespace {
-
-constexpr int failedSearchLimit = 3;
 
 // Keeps the disk thread out for the time of a load, unless the caller does already.
 class BusyMark {
@@ -194,7 +193,7 @@ std::unique_ptr<ZZone> Load::openZone(const std::string& sampleName, const std::
 // Asks for a replacement. Searches that find nothing are counted, and after a few the user is left in peace.
 std::unique_ptr<ZZone> Load::locateElsewhere(const std::string& samplePath) {
     bool isThere = isRegularFile(samplePath);
-    if (options_.delegate && failedSearches_ < failedSearchLimit) {
+    if (options_.delegate && failedSearches_ < limits::failedSearches) {
         char reply[ZSEDelegate::replyBytes] = {};
         options_.delegate->reportMessage(samplePath.c_str(), reply);
         reply[sizeof reply - 1] = 0;

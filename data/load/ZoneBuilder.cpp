@@ -6,6 +6,7 @@
 #include "data/sound/ZWaveFile.h"
 #include "data/stream/ChunkFill.h"
 #include "data/stream/StreamPoints.h"
+#include "platform/Machine.h"
 
 #include <algorithm>
 #include <new>
@@ -16,7 +17,6 @@ namespace {
 constexpr float newZoneRelease = 100.0f;    // ms
 constexpr std::uint64_t floatChunk = 16384; // frames read at a time: what stays in the cache
 constexpr std::uint64_t shortChunk = 262144;
-constexpr std::uint64_t grantedFrames = 65536;
 
 std::uint64_t readChunk(ZSoundFile& sound, SampleMemory& memory, std::uint64_t from) {
     const std::uint64_t offset = from * static_cast<std::uint64_t>(memory.channels());
@@ -28,10 +28,10 @@ std::uint64_t readChunk(ZSoundFile& sound, SampleMemory& memory, std::uint64_t f
     return got;
 }
 
-// All that decides what a preload holds.
-std::string preloadKey(const ZZone& zone) {
+// All that decides what a preload of this sound holds.
+std::string preloadKey(const std::string& sound, const ZZone& zone) {
     const StreamPoints points(zone.record, zone.lengthInFrames);
-    std::string key = zone.sound->path() + '\0' + std::to_string(points.start);
+    std::string key = sound + '\0' + std::to_string(points.start);
     if (points.wraps(points.start, static_cast<std::uint64_t>(zone.chunkFrames)))
         key += ' ' + std::to_string(points.loopStart) + ' ' + std::to_string(points.loopEnd);
     return key;
@@ -69,10 +69,30 @@ void clampPoints(ZoneRecord& record, std::uint64_t frames) {
     if (record.loopStart >= record.loopEnd) record.loopStart = record.loopEnd - 1;
 }
 
+std::uint64_t ZoneBuilder::shareOfMemory() {
+    const std::uint64_t all = physicalMemory();
+    return all == 0 ? UINT64_MAX : all / 100 * limits::memoryPercent;
+}
+
+// Before memory is asked for: systems promise more than they have, and then end the program that believes
+// them.
+void ZoneBuilder::take(std::uint64_t bytes) {
+    if (bytes > bytesLeft_) throw std::bad_alloc();
+    bytesLeft_ -= bytes;
+}
+
+// An instrument can name one file in many ways, a.wav and .\a.wav: it is read once for all of them.
+const std::string& ZoneBuilder::identityOf(const std::string& wavePath) {
+    const auto [known, isNew] = identities_.try_emplace(wavePath);
+    if (isNew) known->second = fileIdentity(wavePath);
+    if (known->second.empty()) known->second = wavePath;
+    return known->second;
+}
+
 std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
     auto sound = std::make_unique<ZWaveFile>();
     sound->open(path);
-    auto zone = build(std::move(sound), path);
+    auto zone = build(std::move(sound), identityOf(path));
     if (!zone->streaming) zone->sound->close();
     return zone;
 }
@@ -113,6 +133,9 @@ void ZoneBuilder::fillMemory(ZZone& zone, const std::string& memoryKey) {
 std::shared_ptr<SampleMemory> ZoneBuilder::readWhole(ZSoundFile& sound) {
     auto memory = std::make_shared<SampleMemory>();
     const bool sixteenBit = settings_.sixteenBit != 0;
+    const std::uint64_t frameBytes =
+        (sixteenBit ? 2u : 4u) * static_cast<std::uint64_t>(sound.channelCount());
+    take(sound.lengthInFrames() > UINT64_MAX / frameBytes ? UINT64_MAX : sound.lengthInFrames() * frameBytes);
     if (!memory->allocate(sound.lengthInFrames(), sound.channelCount(), sixteenBit)) throw std::bad_alloc();
     sound.seekFrame(0);
     for (std::uint64_t done = 0; done < memory->frames();) {
@@ -130,7 +153,8 @@ bool ZoneBuilder::askToGoOn() {
 
 void ZoneBuilder::recordChanged(ZZone& zone) {
     if (!zone.streaming) return;
-    auto& known = shared_[preloadKey(zone)];
+    const auto wave = identities_.find(zone.sound->path());
+    auto& known = shared_[preloadKey(wave == identities_.end() ? zone.sound->path() : wave->second, zone)];
     zone.memory = known.lock();
     if (!zone.memory) {
         zone.memory = readPreload(zone, settings_.sixteenBit != 0, [this] { return askToGoOn(); });
@@ -146,8 +170,9 @@ void ZoneBuilder::recordChanged(ZZone& zone) {
 void ZoneBuilder::countPreload(const ZZone& zone) {
     const SampleMemory& preload = *zone.memory;
     const std::uint64_t frameBytes = preload.frames() == 0 ? 0 : preload.bytes() / preload.frames();
-    preloadAllowance_ += std::max(grantedFrames, 4 * zone.lengthInFrames) * frameBytes;
+    preloadAllowance_ += std::max(limits::preloadFrames, 4 * zone.lengthInFrames) * frameBytes;
     preloadBytes_ += preload.bytes();
+    take(preload.bytes());
     if (preloadBytes_ > preloadAllowance_) throw std::bad_alloc();
 }
 

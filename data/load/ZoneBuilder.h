@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/Limits.h"
 #include "data/sound/ZSoundFile.h"
 #include "engine/Records.h"
 #include "engine/ZZone.h"
@@ -15,14 +16,17 @@ namespace zarno {
 /// Makes zones from sound files and puts their frames into memory, in the width that the settings' 16-bit
 /// flag asks for: whole samples, or of a streaming instrument the zones' preloads. Zones that need the same
 /// frames share their memory for as long as the builder lives. Throws std::bad_alloc when a sample does not
-/// fit into memory. Loading thread.
+/// fit into memory, or all of them together not into the share of the machine's that samples may have.
+/// Loading thread.
 class ZoneBuilder {
   public:
     /// `goOn` is asked between the chunks of large samples; after a false the zone in hand is of no use, and
     /// wasStopped says so.
-    explicit ZoneBuilder(const InstrumentSettings& settings, std::function<bool()> goOn = {})
+    explicit ZoneBuilder(const InstrumentSettings& settings, std::function<bool()> goOn = {},
+                         std::uint64_t mostBytes = shareOfMemory())
         : settings_(settings)
-        , goOn_(std::move(goOn)) {}
+        , goOn_(std::move(goOn))
+        , bytesLeft_(mostBytes) {}
 
     bool wasStopped() const { return stopped_; }
 
@@ -38,6 +42,9 @@ class ZoneBuilder {
     void recordChanged(ZZone& zone);
 
   private:
+    static std::uint64_t shareOfMemory();
+    const std::string& identityOf(const std::string& wavePath);
+    void take(std::uint64_t bytes);
     std::unique_ptr<ZZone> build(std::unique_ptr<ZSoundFile> sound, const std::string& memoryKey);
     void fillMemory(ZZone& zone, const std::string& memoryKey);
     void countPreload(const ZZone& zone);
@@ -48,7 +55,9 @@ class ZoneBuilder {
     const std::function<bool()> goOn_;
     bool stopped_ = false;
     std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
-    std::uint64_t preloadBytes_ = 0, preloadAllowance_ = 256u << 20;
+    std::unordered_map<std::string, std::string> identities_; // of wave files, by path
+    std::uint64_t bytesLeft_;
+    std::uint64_t preloadBytes_ = 0, preloadAllowance_ = limits::preloadBytes;
 };
 
 /// The record of a new zone: range and levels at their start values, points and root note from the sound.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/sound/ZEmbeddedSoundFile.h"
 
+#include "data/Limits.h"
 #include "platform/File.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 namespace zarno {
 namespace {
 
-constexpr std::size_t chunkBytes = 32 * 1024;
+constexpr std::size_t chunkBytes = limits::blockFrameBytes;
 
 } // namespace
 

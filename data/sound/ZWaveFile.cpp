@@ -2,6 +2,7 @@
 #include "data/sound/ZWaveFile.h"
 
 #include "data/Bytes.h"
+#include "data/Limits.h"
 #include "data/sound/SampleConvert.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ std::atomic<int> openFiles{0};
 
 // Small enough for any thread's stack and for the second-level cache, large enough that the cost of a read
 // call disappears. A multiple of all common frame sizes.
-constexpr std::size_t chunkBytes = 24 * 2048;
+constexpr std::size_t chunkBytes = limits::waveFrameBytes;
 
 } // namespace
 

@@ -1,15 +1,12 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/stream/StreamPoints.h"
 
-#include "engine/VoicePool.h"
+#include "data/Limits.h"
 
 #include <algorithm>
 
 namespace zarno {
 namespace {
-
-constexpr std::int32_t longestChunk = 4194304; // frames
-constexpr std::uint64_t mostBufferBytes = 256u << 20;
 
 // Records may name any frame; sums of what is kept here do not overflow.
 constexpr std::uint64_t furthestFrame = std::uint64_t{1} << 62;
@@ -17,12 +14,11 @@ constexpr std::uint64_t furthestFrame = std::uint64_t{1} << 62;
 } // namespace
 
 std::int32_t chunkFramesInUse(const InstrumentSettings& settings) {
-    std::int32_t chunk = std::clamp<std::int32_t>(settings.streamBufferFrames, 1, longestChunk);
-    const auto voices =
-        static_cast<std::uint64_t>(std::clamp<int>(settings.polyphony, 1, VoicePool::maxVoices));
+    std::int32_t chunk = std::clamp<std::int32_t>(settings.streamBufferFrames, 1, limits::chunkFrames);
+    const auto voices = static_cast<std::uint64_t>(std::clamp<int>(settings.polyphony, 1, limits::voices));
     const std::uint64_t width = settings.sixteenBit != 0 ? 2 : 4;
     constexpr std::uint64_t buffers = 2, channels = 2;
-    while (voices * buffers * channels * width * static_cast<std::uint64_t>(chunk) > mostBufferBytes)
+    while (voices * buffers * channels * width * static_cast<std::uint64_t>(chunk) > limits::bufferBytes)
         chunk /= 2;
     return chunk;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/stream/ZDSVoice.h"
 
+#include "data/Limits.h"
 #include "engine/Interpolation.h"
 
 #include <algorithm>
@@ -156,7 +157,7 @@ FrameWindow ZDSVoice::frameWindow() const {
 
 VoicePool::Voices makeVoices(const InstrumentSettings& settings, const PlayContext& context,
                              StreamServer& server) {
-    const int count = std::clamp<int>(settings.polyphony, 1, VoicePool::maxVoices);
+    const int count = std::clamp<int>(settings.polyphony, 1, limits::voices);
     const bool streaming = settings.streaming != 0;
     server.allocate(streaming ? count : 0, chunkFramesInUse(settings), settings.sixteenBit != 0);
     VoicePool::Voices voices(static_cast<std::size_t>(count));

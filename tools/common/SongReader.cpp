@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/common/SongReader.h"
 
+#include "data/Limits.h"
 #include "platform/File.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
@@ -10,11 +11,9 @@
 namespace zarno {
 namespace {
 
-constexpr std::uint64_t largestSong = 256u << 20; // bytes; the largest real ones have some ten
-
 bool readWhole(const std::string& path, std::vector<char>& bytes) {
     File file(path);
-    if (!file.isOpen() || file.size() > largestSong) return false;
+    if (!file.isOpen() || file.size() > limits::songBytes) return false;
     bytes.resize(static_cast<std::size_t>(file.size()));
     return file.read(bytes.data(), bytes.size()) == bytes.size();
 }

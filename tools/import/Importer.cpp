@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/Importer.h"
 
+#include "data/Limits.h"
 #include "data/load/InstrumentFormat.h"
 #include "tools/import/FileNames.h"
 #include "tools/import/SampleWriter.h"
@@ -19,7 +20,6 @@ namespace {
 constexpr std::uint64_t mostBytesInMemory = 64u << 20; // more samples are streamed
 constexpr std::uint64_t chunkFrames = 32768;           // of streaming instruments
 constexpr int usualPolyphony = 64;
-constexpr int mostPolyphony = 1024;
 
 class Import {
   public:
@@ -117,7 +117,7 @@ void Import::fillHeader() {
     file.version = format::newestVersion;
     file.storage = options_.embed ? format::Embedded : format::External;
     const auto text = [](const std::string& from) {
-        return StoredText{from.substr(0, std::min(from.find('\0'), format::nameLimit)), true};
+        return StoredText{from.substr(0, std::min(from.find('\0'), limits::nameBytes)), true};
     };
     file.name = file.title = text(source_.name);
     file.remark = text(source_.text);
@@ -126,7 +126,7 @@ void Import::fillHeader() {
     settings.streamBufferFrames = settings.streamBufferFramesStored = static_cast<std::int32_t>(chunkFrames);
     settings.sixteenBit = settings.sixteenBitStored = sixteenBit_ ? 1 : 0;
     settings.polyphony = settings.polyphonyStored =
-        std::clamp(source_.polyphony.value_or(usualPolyphony), 1, mostPolyphony);
+        std::clamp(source_.polyphony.value_or(usualPolyphony), 1, limits::voices);
     settings.velocityFloor = velocityFloorOf(groups_, report_);
 }
 
@@ -138,7 +138,7 @@ void Import::fillGroups() {
     nameForms();
     for (const MappedGroup& group : groups_) {
         GroupEntry entry;
-        entry.name = {group.name.substr(0, format::nameLimit), true};
+        entry.name = {group.name.substr(0, limits::nameBytes), true};
         entry.record = group.record;
         for (const ImportedZone& zone : group.zones) {
             const std::size_t form = forms.find(zone);

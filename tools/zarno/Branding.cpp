@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/zarno/Branding.h"
 
+#include "data/Limits.h"
 #include "platform/File.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
@@ -47,7 +48,7 @@ ModuleIdentity brandFields(const std::string& module, const Brand& brand, std::s
 
 ModuleIdentity brandSidecar(const std::string& module, const Brand& brand) {
     const std::string path = module + sidecarSuffix;
-    ModuleIdentity identity = parseSidecar(readStart(path, sidecarBytes));
+    ModuleIdentity identity = parseSidecar(readStart(path, limits::sidecarBytes));
     change(identity, brand);
     std::ofstream file(filePath(path), std::ios::binary | std::ios::trunc);
     file << formatSidecar(identity);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/zarno/InstrumentWriter.h"
 
+#include "data/Limits.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
 #include "tools/zarno/Model.h"
@@ -60,20 +61,20 @@ void Writer::header() {
     value(file.magic);
     value(file.version);
     value(file.storage);
-    text(file.name, format::nameLimit, "name");
-    text(file.title, format::nameLimit, "title");
+    text(file.name, limits::nameBytes, "name");
+    text(file.title, limits::nameBytes, "title");
     value(file.settings);
-    text(file.remark, format::nameLimit, "text");
+    text(file.remark, limits::nameBytes, "text");
     value(file.imageSize);
     bytes(file.image.data(), file.image.size());
-    text(file.layout, format::layoutLimit, "layout");
+    text(file.layout, limits::layoutBytes, "layout");
     value(file.licenceCount);
     for (const StoredText& licence : file.licences)
-        text(licence, format::nameLimit, "licence");
+        text(licence, limits::nameBytes, "licence");
 }
 
 void Writer::group(const GroupEntry& group) {
-    text(group.name, format::nameLimit, "group name");
+    text(group.name, limits::nameBytes, "group name");
     value(group.record);
     value(group.zoneCount);
     for (const ZoneEntry& entry : group.zones)
@@ -81,7 +82,7 @@ void Writer::group(const GroupEntry& group) {
 }
 
 void Writer::zone(const ZoneEntry& zone) {
-    text(zone.sample, format::nameLimit, "sample name");
+    text(zone.sample, limits::nameBytes, "sample name");
     if (model_.file.isEmbedded() && !written_.at(zone.block)) block(zone.block);
     value(zone.record);
 }

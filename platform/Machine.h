@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace zarno {
+
+/// The same bytes for all paths that lead to one file, whatever links, dots and letter case are in them;
+/// another file's differ while both are there. Empty when there is no file. Asks the disk.
+std::string fileIdentity(std::string_view path);
+
+/// Bytes of memory that the machine has; 0 when it does not say.
+std::uint64_t physicalMemory();
+
+} // namespace zarno
