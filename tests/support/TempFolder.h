@@ -1,53 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <gtest/gtest.h>
+#include "tests/support/ScratchFolder.h"
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <random>
-#include <string>
+#include <gtest/gtest.h>
 
 namespace zarno::test {
 
 // A fresh folder for the running test, removed behind it.
-class TempFolder {
+class TempFolder : public ScratchFolder {
   public:
-    TempFolder() {
-        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-        std::string name = std::string("zarno-") + test->test_suite_name() + "-" + test->name();
-        for (char& c : name)
-            if (c == '/') c = '-';
-        name += '-' + std::to_string(std::random_device()()); // another build may be running the same test
-        path_ = std::filesystem::temp_directory_path() / name;
-        std::filesystem::create_directories(path_);
-    }
-    ~TempFolder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    const std::filesystem::path& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
-
-    std::string write(const std::string& name, const std::string& bytes) const {
-        const auto file = path_ / name;
-        std::filesystem::create_directories(file.parent_path());
-#ifndef _WIN32 // there a file that is still open would only be marked for removal, and not be replaceable
-        std::filesystem::remove(file); // some file systems flush a file that is replaced in place
-#endif
-        std::ofstream(file, std::ios::binary) << bytes;
-        return file.string();
-    }
-
-    std::string read(const std::string& name) const {
-        std::ifstream file(path_ / name, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    TempFolder()
+        : ScratchFolder(nameOfTest()) {}
 
   private:
-    std::filesystem::path path_;
+    static std::string nameOfTest() {
+        const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+        return std::string(test->test_suite_name()) + "-" + test->name();
+    }
 };
 
 } // namespace zarno::test
