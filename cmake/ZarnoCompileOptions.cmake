@@ -20,6 +20,11 @@ target_compile_options(zarno_options INTERFACE -Wall -Wextra -ffp-contract=off)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options(zarno_options INTERFACE -msse2 -mfpmath=sse)
 endif()
+if(ZARNO_COVERAGE)
+    # Not the framework, which is then the ordinary build's. Without optimisation the duels would take an hour.
+    target_compile_options(zarno_options INTERFACE --coverage -O1 -fprofile-update=atomic)
+    target_link_options(zarno_options INTERFACE --coverage)
+endif()
 if(WIN32)
     # windows.h without its min and max macros and without what we never use; Windows 7 and later.
     target_compile_definitions(zarno_options INTERFACE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601 UNICODE _UNICODE)
