@@ -12,7 +12,7 @@ namespace zarno::fuzz {
 
 struct Target {
     const char* name;
-    int mutations;                       // that a replay tries: about a second's work
+    int mutations;                       // that a replay tries: some seconds at the most
     void (*run)(std::string_view input); // to return is all that is asked; a broken promise aborts
     std::vector<std::string> (*seeds)();
     std::vector<std::string> words = {}; // that mean something in this kind of input
