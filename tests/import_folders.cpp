@@ -86,7 +86,7 @@ TEST_F(ImportFolder, NoteNames) {
         EXPECT_EQ(keyFromText(text), key) << text;
     for (const char* text : {"", "h3", "c", "c#", "c44", "4c", "c4x", "99999999999"})
         EXPECT_EQ(keyFromText(text), std::nullopt) << text;
-    EXPECT_EQ(keyName(60) + keyName(1) + keyName(-1), "C4C#-1B-2");
+    EXPECT_EQ(keyName(60) + keyName(1) + keyName(-1) + keyName(-255), "C4C#-1B-2A-23");
 }
 
 // A ramp through every kind of file, embedded and as wave files: what the file format holds arrives exactly.

@@ -20,8 +20,8 @@ std::optional<int> wholeNumber(std::string_view text) {
 
 std::string keyName(int key) {
     static constexpr const char* names[] = {"C", "C#", "D", "D#", "E", "F", "F#", "G", "G#", "A", "A#", "B"};
-    const int octave = (key + 120) / 12 - 11;
-    return names[(key + 120) % 12] + std::to_string(octave);
+    const int pitchClass = (key % 12 + 12) % 12; // keys of damaged files may be far below 0
+    return names[pitchClass] + std::to_string((key - pitchClass) / 12 - 1);
 }
 
 std::optional<int> keyFromText(std::string_view text) {
