@@ -220,5 +220,11 @@ TEST_F(WaveFiles, IsNamedAfterWhatFollowsTheLastBackslash) {
     EXPECT_EQ(wave.path(), path);
 }
 
+TEST_F(WaveFiles, ASecondFormatBehindTheDataPromisesNoMoreFrames) {
+    ASSERT_TRUE(wave.open(folder.write(
+        "a.wav", WaveBuilder().format(1, 44100, 8).data("12345678").format(2, 44100, 16, 100).bytes())));
+    EXPECT_EQ(wave.lengthInFrames(), 0u);
+}
+
 } // namespace
 } // namespace zarno

@@ -88,7 +88,11 @@ bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
         }
         bytes.seek(next);
     }
-    return header.bytesPerFrame > 0;
+    if (header.bytesPerFrame == 0) return false;
+    // A second format behind the data must not promise frames that are not there.
+    bytes.seek(header.dataOffset);
+    header.frames = std::min<std::uint64_t>(header.frames, bytes.left() / header.bytesPerFrame);
+    return true;
 }
 
 } // namespace zarno
