@@ -15,9 +15,11 @@
 // What a host keeps in its project: which instrument was loaded, and the player's settings for it. No magic,
 // no version, no lengths; all integers little-endian:
 //
-//   0        n          path, UTF-8, with its zero byte; at most 1024 bytes; one zero byte when nothing is
-//   loaded n        592        instrument record n + 592  4          group count n + 596  4          index of
-//   the current group, -1 for none n + 600  580 each   group records, in group order
+//   - from 0: the path, n bytes of UTF-8 with its zero byte, at most 1024; one zero byte when nothing is loaded
+//   - from n: the instrument record, 592 bytes
+//   - from n + 592: the group count, 4 bytes
+//   - from n + 596: the index of the current group, 4 bytes, -1 for none
+//   - from n + 600: the group records in group order, 580 bytes each
 //
 // What follows the path is the chunk's tail.
 namespace zarno {

@@ -157,7 +157,9 @@ TEST(Documents, EveryControlIdIsThereWithWhatItDoes) {
         }
         const ButtonBinding* button = findButton(id);
         ASSERT_EQ(buttons.contains(id), button != nullptr) << id;
-        if (button) EXPECT_EQ(buttons[id][1], button->setting);
+        if (button) {
+            EXPECT_EQ(buttons[id][1], button->setting);
+        }
     }
     EXPECT_TRUE(knobs.contains(firstControllerId));
 }
