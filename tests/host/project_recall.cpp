@@ -131,7 +131,7 @@ TEST(ProjectRecall, AnotherProcessSoundsTheSame) {
     put(chunk, pathBytes(chunk) + 600 + 580 + offsetof(GroupRecord, volume), -7.0f);
     plugin->restore(chunk);
     const auto saved = plugin->chunk();
-    rig.folder().write("chunk", {saved.begin(), saved.end()});
+    rig.folder().write("chunk", std::string(saved.begin(), saved.end()));
     const std::string heard = playPiece(*plugin);
     EXPECT_NE(heard, std::string(heard.size(), '\0'));
 

@@ -16,9 +16,9 @@ struct ImportOptions {
     std::string out; ///< the instrument file to write, UTF-8
     bool embed = false;
     SampleStorage storage = SampleStorage::Auto;
-    std::function<void(double fraction)> progress;
+    std::function<void(double fraction)> progress = nullptr;
     /// Called with the finished model before it is written: the place to add a panel.
-    std::function<void(Model&)> finish;
+    std::function<void(Model&)> finish = nullptr;
 };
 
 /// Maps the instrument onto groups and zones, converts its samples (into the instrument file, or into a
