@@ -4,6 +4,7 @@
 #include "gui/CPlayerKeyboard.h"
 #include "gui/ImageDecoder.h"
 #include "gui/Theme.h"
+#include "shell/KeyboardRoute.h"
 
 namespace zarno {
 
@@ -15,9 +16,32 @@ CPlayerGUI::CPlayerGUI(ControlListeners listeners, KeyboardRoute* route, ShowMes
     setFocusContainerType(FocusContainerType::focusContainer);
 }
 
-CPlayerGUI::~CPlayerGUI() = default;
+CPlayerGUI::~CPlayerGUI() {
+    withdrawKeyboards();
+}
 
+void CPlayerGUI::publishKeyboards() {
+    if (route_ != nullptr) route_->publish(&keyboardState_);
+}
+
+// Notes go while the route still leads to the engine; then the route. Keys that the host holds are forgotten:
+// their note-offs reach the engine without us.
+void CPlayerGUI::withdrawKeyboards() {
+    for (CPlayerKeyboard* keyboard : controls_.keyboards)
+        keyboard->releaseKeys();
+    if (route_ != nullptr) route_->publish(nullptr);
+    keyboardState_.reset();
+}
+
+// The audio thread walks the list of keyboards while their state is published, so they come and go only while
+// it is not.
 void CPlayerGUI::rebuild(std::string_view layoutText, const std::vector<std::uint8_t>& image) {
+    withdrawKeyboards();
+    replaceControls(layoutText, image);
+    publishKeyboards();
+}
+
+void CPlayerGUI::replaceControls(std::string_view layoutText, const std::vector<std::uint8_t>& image) {
     controls_ = {};
     background_ = image.empty() ? juce::Image() : decodeImage(image.data(), image.size());
     auto layout = readLayout(layoutText);

@@ -15,7 +15,7 @@ class CPlayerGUI final : public juce::Component {
     // Tells the user what is wrong with a layout.
     using ShowMessage = std::function<void(const juce::String& caption, const juce::String& text)>;
 
-    // `route`: through which the keyboard's notes go, may be null.
+    // `route`: through which the keyboard's notes go, may be null. Leads here from the first rebuild on.
     CPlayerGUI(ControlListeners listeners, KeyboardRoute* route, ShowMessage showMessage);
     ~CPlayerGUI() override;
 
@@ -25,10 +25,13 @@ class CPlayerGUI final : public juce::Component {
 
     const PanelControls& controls() const { return controls_; }
     juce::MidiKeyboardState& keyboardState() { return keyboardState_; }
-
     void paint(juce::Graphics&) override;
 
   private:
+    void publishKeyboards();
+    void withdrawKeyboards();
+    void replaceControls(std::string_view layout, const std::vector<std::uint8_t>& image);
+
     ControlListeners listeners_;
     KeyboardRoute* route_;
     ShowMessage showMessage_;

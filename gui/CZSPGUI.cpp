@@ -9,7 +9,6 @@
 #include "platform/MessageBox.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
-#include "shell/KeyboardRoute.h"
 
 namespace zarno {
 namespace {
@@ -49,19 +48,14 @@ CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     list_.onClose = [this] { list_.setVisible(false); };
     connectBar();
     zoomPercent_ = zoomFromSetting(link_.setting(zoomKey));
-    link_.keyboardRoute().publish(&panel_.keyboardState());
     link_.setWindow(this);
     rebuildPlayer();
     startTimerHz(refreshHz);
 }
 
-// Notes go while the route still leads to the engine; then the route, then the state it led through.
 CZSPGUI::~CZSPGUI() {
     stopTimer();
     link_.setWindow(nullptr);
-    for (auto* keyboard : panel_.controls().keyboards)
-        keyboard->releaseKeys();
-    link_.keyboardRoute().publish(nullptr);
 }
 
 void CZSPGUI::connectBar() {
