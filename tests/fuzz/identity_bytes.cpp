@@ -8,7 +8,7 @@ namespace zarno::fuzz {
 namespace {
 
 bool isPresentable(const ModuleIdentity& identity) {
-    constexpr std::size_t longest = 2 * identityField::textBytes; // Latin-1 grows when it becomes UTF-8
+    constexpr std::size_t longest = 3 * identityField::textBytes; // 8-bit text grows when it becomes UTF-8
     return isValidUtf8(identity.packTitle) && isValidUtf8(identity.vendor) &&
            identity.packTitle.size() <= longest && identity.vendor.size() <= longest;
 }

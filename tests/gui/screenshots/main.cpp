@@ -58,8 +58,7 @@ class Session final : private juce::Timer {
         window_->setVisible(true);
         window_->toFront(true);
         juce::Desktop::setMousePosition({1390, 890}); // over no key
-        window_->panel().keyboardState().noteOn(1, 60, 0.8f);
-        window_->panel().keyboardState().noteOn(1, 66, 0.8f);
+        holdKeys();
         steps_ = {{"default", [] {}},
                   {"instrument-menu", [this] { window_->showInstrumentMenu(window_->statusBar()); }},
                   {"group-menu", [this] { window_->showGroupMenu(window_->statusBar()); }},
@@ -74,6 +73,14 @@ class Session final : private juce::Timer {
     bool isGood() const { return isGood_; }
 
   private:
+    void holdKeys() {
+        for (const int key : {60, 66})
+            window_->panel().keyboardState().noteOn(1, key, 0.8f);
+    }
+    void finishLoading() {
+        window_->loadingFinished();
+        holdKeys(); // the new panel's own
+    }
     void load(double progress) {
         window_->openInstrumentList();
         link_.loading = true;
@@ -84,7 +91,7 @@ class Session final : private juce::Timer {
         link_.loading = false;
         link_.missing.notFound = {"tine-041-soft.wav", "tine-041-loud.wav"};
         link_.missing.unsupported = {"noise.aif"};
-        window_->loadingFinished();
+        finishLoading();
         window_->showMissingMenu(window_->statusBar());
     }
     void showExample() {
@@ -95,12 +102,12 @@ class Session final : private juce::Timer {
         texts.layout = example_.getChildFile("layout.xml").loadFileAsString().toStdString();
         texts.panelImage.assign(picture.begin(), picture.end());
         isGood_ = isGood_ && !texts.layout.empty() && !texts.panelImage.empty();
-        window_->loadingFinished();
+        finishLoading();
     }
     void zoom() {
         link_.instrument.texts().layout.clear();
         link_.instrument.texts().panelImage.clear();
-        window_->loadingFinished();
+        finishLoading();
         window_->setZoom(200);
     }
 
