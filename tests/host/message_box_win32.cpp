@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What the user is told in a box of the system's.
 #include "tests/host/HostRig.h"
-#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ TEST(MessageBoxOnScreen, TellsOncePerLoadWhatIsWrongWithAPanel) {
     User user(L"Zarno Sampler Player");
     for (int opening = 0; opening < 3; ++opening) {
         std::string error;
-        const auto window = EditorWindow::open(*plugin, error);
+        const auto window = HostWindow::open(*plugin, error);
         ASSERT_NE(window, nullptr) << error;
         window->run(0.5);
     }

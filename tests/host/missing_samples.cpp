@@ -6,7 +6,7 @@
 #include "tests/host/HostRig.h"
 #include "tests/support/Chance.h"
 #include "tests/support/WaveBuilder.h"
-#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostWindow.h"
 #include "tools/vsthost/PluginReport.h"
 
 #include <gmock/gmock.h>
@@ -60,7 +60,7 @@ class MissingSamplesOnScreen : public testing::Test {
         plugin = rig.loadActive();
         ASSERT_TRUE(plugin);
         std::string error;
-        window = EditorWindow::open(*plugin, error);
+        window = HostWindow::open(*plugin, error);
         ASSERT_TRUE(window) << error;
     }
     void close() {
@@ -92,7 +92,7 @@ class MissingSamplesOnScreen : public testing::Test {
     HostRig rig;
     const std::string path = std::getenv("PATH");
     std::unique_ptr<HostedPlugin> plugin;
-    std::unique_ptr<EditorWindow> window;
+    std::unique_ptr<HostWindow> window;
 };
 
 TEST_F(MissingSamplesOnScreen, OneAnswerFindsThemAllAndIsRemembered) {
@@ -137,7 +137,7 @@ TEST_F(MissingSamplesOnScreen, ARestoredProjectAsksBehindTheHostsBack) {
     std::memcpy(chunk.data() + pathBytes(chunk) + offsetof(InstrumentSettings, volume), &quiet, sizeof quiet);
 
     std::string error;
-    window = EditorWindow::open(*plugin, error);
+    window = HostWindow::open(*plugin, error);
     ASSERT_TRUE(window) << error;
     answerWith(rig.folder() / "moved");
     plugin->restore(chunk);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // The window as a host opens it. Needs a display.
 #include "tests/host/HostRig.h"
-#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -22,9 +22,9 @@ std::vector<TimedEvent> notes() {
     return events;
 }
 
-std::unique_ptr<EditorWindow> openWindow(HostedPlugin& plugin) {
+std::unique_ptr<HostWindow> openWindow(HostedPlugin& plugin) {
     std::string error;
-    auto window = EditorWindow::open(plugin, error);
+    auto window = HostWindow::open(plugin, error);
     EXPECT_NE(window, nullptr) << error;
     return window;
 }
@@ -153,14 +153,14 @@ TEST(WindowOnScreen, OfTwoInstancesInAnyOrder) {
     for (int round = 0; round < 5; ++round) {
         auto first = rig.load(), second = rig.load();
         std::string error;
-        auto a = EditorWindow::open(*first, error), b = EditorWindow::open(*second, error);
+        auto a = HostWindow::open(*first, error), b = HostWindow::open(*second, error);
         ASSERT_TRUE(a && b) << error;
         first->activate();
         second->activate();
         a->run(0.05);
         b->run(0.05);
         EXPECT_TRUE(sounds(*first) && sounds(*second));
-        auto again = EditorWindow::open(*first, error);
+        auto again = HostWindow::open(*first, error);
         EXPECT_TRUE(again) << error;
         again->run(0.05);
         a.reset();

@@ -7,7 +7,7 @@
 #include "tests/host/BusyInstrument.h"
 #include "tests/realtime/EditorFingers.h"
 #include "tools/trap/Trap.h"
-#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostWindow.h"
 #include "tools/vsthost/RandomPlayer.h"
 
 #include <gmock/gmock.h>
@@ -150,13 +150,13 @@ class Commotion {
         if (window_ != nullptr)
             window_.reset();
         else
-            window_ = EditorWindow::open(played_, error);
+            window_ = HostWindow::open(played_, error);
         EXPECT_EQ(error, "");
     }
 
     HostedPlugin &played_, &other_;
     const int programs_;
-    std::unique_ptr<EditorWindow> window_;
+    std::unique_ptr<HostWindow> window_;
     EditorFingers fingers_;
     int turns_ = 0;
 };

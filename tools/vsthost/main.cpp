@@ -4,7 +4,7 @@
 #include "platform/Arguments.h"
 #include "tools/common/SongReader.h"
 #include "tools/common/WavWriter.h"
-#include "tools/vsthost/EditorWindow.h"
+#include "tools/vsthost/HostWindow.h"
 #include "tools/vsthost/HostedPlugin.h"
 #include "tools/vsthost/PluginReport.h"
 #include "tools/vsthost/SongPlayer.h"
@@ -136,7 +136,7 @@ bool savePicture(const Picture& picture, const std::string& path) {
 
 int showEditor(HostedPlugin& plugin, const Arguments& arguments) {
     std::string error;
-    const auto window = EditorWindow::open(plugin, error);
+    const auto window = HostWindow::open(plugin, error);
     if (!window) return fail(error);
     const auto size = plugin.editorSize();
     std::printf("editor open, %d x %d\n", size.width, size.height);

@@ -9,6 +9,7 @@
 namespace zarno {
 
 class HostedPlugin;
+class NativeWindow;
 
 /// Rows from top to bottom, three bytes a pixel: red, green, blue.
 struct Picture {
@@ -17,11 +18,11 @@ struct Picture {
 };
 
 /// A window of the host's with the plug-in's editor in it.
-class EditorWindow {
+class HostWindow {
   public:
     /// Null when there is no display or the plug-in opens no editor; `error` then says why.
-    static std::unique_ptr<EditorWindow> open(HostedPlugin& plugin, std::string& error);
-    ~EditorWindow();
+    static std::unique_ptr<HostWindow> open(HostedPlugin& plugin, std::string& error);
+    ~HostWindow();
 
     /// Runs the event loop of the window and the plug-in for this long.
     void run(double seconds);
@@ -30,9 +31,9 @@ class EditorWindow {
     Picture picture() const;
 
   private:
-    struct Impl;
-    explicit EditorWindow(std::unique_ptr<Impl> impl);
-    std::unique_ptr<Impl> impl_;
+    HostWindow(HostedPlugin& plugin, std::unique_ptr<NativeWindow> window);
+    HostedPlugin& plugin_;
+    std::unique_ptr<NativeWindow> window_;
 };
 
 } // namespace zarno
