@@ -20,6 +20,9 @@ target_compile_options(zarno_options INTERFACE -Wall -Wextra -ffp-contract=off)
 if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
     target_compile_options(zarno_options INTERFACE -msse2 -mfpmath=sse)
 endif()
+if(ZARNO_THREAD_CHECKS OR ZARNO_FUZZ)
+    target_compile_definitions(zarno_options INTERFACE _GLIBCXX_ASSERTIONS) # indices, std::clamp and the like
+endif()
 if(ZARNO_COVERAGE)
     # Not the framework, which is then the ordinary build's. Without optimisation the duels would take an hour.
     target_compile_options(zarno_options INTERFACE --coverage -O1 -fprofile-update=atomic)

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "tests/support/Chance.h"
-#include "tests/support/RawBytes.h"
+#include "tests/support/SoundFontBuilder.h"
 #include "tests/support/TempFolder.h"
 #include "tools/import/SoundFontImport.h"
 #include "tools/import/SoundFontLibrary.h"
@@ -17,74 +16,6 @@ namespace {
 using namespace test;
 using testing::HasSubstr;
 using G = Generator;
-
-// A SoundFont of one preset with one instrument, built from lists of generators.
-struct SoundFontBuilder {
-    using Zone = std::vector<std::pair<G, int>>;
-    std::vector<Zone> preset = {{{G::Instrument, 0}}};
-    std::vector<Zone> instrument = {{{G::SampleId, 0}}};
-    std::vector<std::pair<std::size_t, SoundFontModulator>> modulators; // of the instrument's zones
-    struct Sample {
-        int points, loopStart, loopEnd, link, type;
-    };
-    std::vector<Sample> samples = {{1000, 100, 900, 0, 1}};
-
-    static std::string chunk(const std::string& id, const std::string& body) {
-        return id + raw(static_cast<std::uint32_t>(body.size())) + body + std::string(body.size() & 1, '\0');
-    }
-    static std::string name(std::string text) {
-        text.resize(20);
-        return text;
-    }
-    static std::string word(int value) { return raw(static_cast<std::uint16_t>(value)); }
-
-    std::string lists(const std::vector<Zone>& zones, char kind, bool withModulators) const {
-        std::string bags, generators, mods;
-        int generator = 0, modulator = 0;
-        for (std::size_t i = 0; i <= zones.size(); ++i) {
-            bags += word(generator) + word(modulator);
-            if (i == zones.size()) break;
-            for (const auto& [id, amount] : zones[i]) {
-                generators += word(static_cast<int>(id)) + word(amount);
-                ++generator;
-            }
-            for (const auto& [zone, m] : modulators)
-                if (withModulators && zone == i) {
-                    mods += word(m.source) + word(m.destination) + word(m.amount) + word(m.amountSource) +
-                            word(0);
-                    ++modulator;
-                }
-        }
-        const std::string p(1, kind);
-        return chunk(p + "bag", bags) + chunk(p + "mod", mods + std::string(10, '\0')) +
-               chunk(p + "gen", generators + std::string(4, '\0'));
-    }
-
-    std::string bytes() const {
-        std::string data, headers;
-        for (std::size_t i = 0; i < samples.size(); ++i) {
-            const Sample& s = samples[i];
-            const auto start = static_cast<std::uint32_t>(data.size() / 2);
-            for (int k = 0; k < s.points; ++k)
-                data += raw(static_cast<std::int16_t>(1000 * (static_cast<int>(i) + 1) + k % 7));
-            headers += name("S" + std::to_string(i)) +
-                       raw(start, start + static_cast<std::uint32_t>(s.points),
-                           start + static_cast<std::uint32_t>(s.loopStart),
-                           start + static_cast<std::uint32_t>(s.loopEnd), std::uint32_t{44100}) +
-                       std::string("\x3c\x05", 2) + word(s.link) + word(s.type);
-        }
-        const auto header = [](const char* text, int bag) {
-            return name(text) + word(12) + word(3) + word(bag) + std::string(12, '\0');
-        };
-        const int presetZones = static_cast<int>(preset.size()), zones = static_cast<int>(instrument.size());
-        const std::string hydra =
-            chunk("phdr", header("Bell", 0) + header("EOP", presetZones)) + lists(preset, 'p', false) +
-            chunk("inst", name("Bell") + word(0) + name("EOI") + word(zones)) + lists(instrument, 'i', true) +
-            chunk("shdr", headers + std::string(46, '\0'));
-        return chunk("RIFF", "sfbk" + chunk("LIST", "INFO" + chunk("INAM", "Test")) +
-                                 chunk("LIST", "sdta" + chunk("smpl", data)) + chunk("LIST", "pdta" + hydra));
-    }
-};
 
 class SoundFonts : public testing::Test {
   protected:
@@ -219,46 +150,6 @@ TEST_F(SoundFonts, APresetBecomesAnInstrumentThatPlays) {
     EXPECT_NO_THROW(findPreset(file, "3:12"));
     EXPECT_NO_THROW(findPreset(file, "Bell"));
     EXPECT_THROW(findPreset(file, "12"), MakerError); // of bank 0
-}
-
-// Whatever a file says, there is an instrument or a message.
-TEST_F(SoundFonts, DamagedFilesGiveAMessageOrAnInstrument) {
-    SoundFontBuilder builder;
-    builder.samples = {{60, 10, 40, 1, SoundFontSample::Right}, {60, 10, 40, 0, SoundFontSample::Left}};
-    builder.instrument = {{{G::Attenuation, 5}}, {{G::SampleModes, 1}, {G::SampleId, 0}}, {{G::SampleId, 1}}};
-    builder.modulators = {{1, {0x0502, 48, 480, 0, 0}}};
-    const std::string sound = builder.bytes();
-    int imported = 0, refused = 0;
-    for (unsigned seed = 0; seed < 10000; ++seed) {
-        Chance chance(seed);
-        std::string bytes = sound;
-        for (int i = chance.between(1, 6); i > 0; --i) {
-            const auto at = static_cast<std::size_t>(chance.between(0, static_cast<int>(bytes.size()) - 1));
-            if (chance.between(0, 9) == 0)
-                bytes.resize(at + 1);
-            else
-                bytes[at] = static_cast<char>(chance.between(0, 2) == 0 ? 255 : chance.between(0, 255));
-        }
-        try {
-            const auto damaged = SoundFontFile::read(folder.write("a.sf2", bytes));
-            for (const auto& preset : damaged.presets) {
-                const auto made = importPreset(damaged, preset, report);
-                std::vector<std::int16_t> frames(200);
-                for (const auto& sample : made.samples)
-                    sample.open()->read(frames.data(), std::min<std::uint64_t>(100, sample.format.frames));
-                ImportOptions options;
-                options.out = folder / "out.zse";
-                options.embed = true;
-                if (seed % 20 == 0) importInstrument(made, options, report);
-            }
-            ++imported;
-        } catch (const MakerError& error) {
-            EXPECT_THAT(error.what(), HasSubstr(".sf2: "));
-            ++refused;
-        }
-    }
-    EXPECT_GT(imported, 1000);
-    EXPECT_GT(refused, 1000);
 }
 
 } // namespace
