@@ -155,6 +155,22 @@ TEST_F(ImportFolder, DrumkitsOfHydrogen) {
     ImportedSound playing(kit, folder, remarks);
     EXPECT_THAT(playing.play("36v63 36v64 36v127 38v127 39v127 39v40"),
                 testing::Pointwise(testing::FloatNear(5e-3f), {.125f, .1265f, .25f, 0.f, .25f, .08f}));
+
+    // Layers that crowd together at the top, and one that is upside down.
+    const auto layers = [&](std::initializer_list<const char*> ranges) {
+        std::string xml = "<drumkit_info><instrumentList><instrument>";
+        for (const char* range : ranges)
+            xml += "<layer><filename>a.wav</filename>" + std::string(range) + "</layer>";
+        folder.write("kit/drumkit.xml", xml + "</instrument></instrumentList></drumkit_info>");
+        return readDrumkit(folder / "kit", remarks).zones;
+    };
+    const auto crowd = layers({"<min>0.992</min><max>0.992</max>", "<min>0.992</min>", "<min>1</min>"});
+    EXPECT_EQ(crowd.at(0).velocities, (ImportedRange{126, 126}));
+    EXPECT_TRUE(crowd.at(1).velocities.isEmpty());
+    EXPECT_EQ(crowd.at(2).velocities, (ImportedRange{127, 127}));
+    EXPECT_EQ(layers({"<min>0</min>", "<min>0.1</min><max>0</max>"}).at(0).velocities,
+              (ImportedRange{0, 127}));
+
     folder.write("kit/drumkit.xml", "<drumkit_info><instrumentList>");
     EXPECT_THROW(readDrumkit(folder / "kit", remarks), MakerError);
 }

@@ -97,10 +97,11 @@ void DrumkitReader::separate(std::vector<ImportedZone>& zones) {
         ranges[zone.velocities] = zone.velocities;
     for (auto range = ranges.begin(); range != ranges.end() && std::next(range) != ranges.end(); ++range) {
         ImportedRange &lower = range->second, &upper = std::next(range)->second;
-        if (!lower.overlaps(upper)) continue;
+        if (lower.isEmpty() || upper.isEmpty() || !lower.overlaps(upper)) continue;
         if (lower.high > upper.low) // more than a rounded limit in common
             report_.add("layers that overlap in velocity", "split in the middle", zones.front().place);
-        upper.low = std::clamp((upper.low + lower.high + 1) / 2, lower.low + 1, upper.high);
+        // One of two that are left with the same velocity becomes empty.
+        upper.low = std::min(std::max((upper.low + lower.high + 1) / 2, lower.low + 1), upper.high);
         lower.high = upper.low - 1;
     }
     for (ImportedZone& zone : zones)
