@@ -130,6 +130,12 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
     EXPECT_EQ(sample.open()->read(frames, 2), 2u);
     EXPECT_THAT(frames, testing::ElementsAre(2000, 1000, 2001, 1001)); // left is the second sample
 
+    builder.preset = {{{G::Instrument, 0}}, {{G::Instrument, 0}}, {{G::FineTune, 9}, {G::Instrument, 0}}};
+    const auto layers = import(builder).zones;
+    ASSERT_EQ(layers.size(), 3u) << "each layer is a pair of its own";
+    EXPECT_EQ(layers[2].tune, 14);
+    builder.preset.resize(1);
+
     builder.samples[0].points = 499; // not the same recording any more
     EXPECT_EQ(import(builder).zones.size(), 2u);
 }

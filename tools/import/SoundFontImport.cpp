@@ -10,6 +10,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <deque>
 #include <map>
 #include <numbers>
 
@@ -70,6 +71,32 @@ ImportedEnvelope envelopeOf(const SoundFontVoice& voice) {
     return made;
 }
 
+// All that must be the same in the voices of a left and a right side.
+using SharedBySides = std::array<int, generatorCount + 6>;
+
+SharedBySides sharedBySides(const SoundFontVoice& voice) {
+    SharedBySides shared{voice.lowKey,       voice.highKey,        voice.lowVelocity,
+                         voice.highVelocity, voice.velocityAmount, static_cast<int>(voice.instrument)};
+    std::copy(voice.amounts.begin(), voice.amounts.end(), shared.begin() + 6);
+    for (const Generator own : {Generator::Pan, Generator::SampleId})
+        shared[6 + static_cast<std::size_t>(own)] = 0;
+    return shared;
+}
+
+bool isHardSide(const SoundFontSample& sample, int pan) {
+    return (sample.type == SoundFontSample::Left && pan <= -500) ||
+           (sample.type == SoundFontSample::Right && pan >= 500);
+}
+
+// `other` is the sample that `one` is linked with.
+bool areSides(std::size_t indexOfOne, const SoundFontSample& one, const SoundFontSample& other) {
+    const auto shape = [](const SoundFontSample& s) {
+        return std::tuple(s.end - s.start, s.loopStart - s.start, s.loopEnd - s.start, s.rate, s.rootKey,
+                          s.correction);
+    };
+    return other.link == indexOfOne && other.type != one.type && shape(one) == shape(other);
+}
+
 class PresetImport {
   public:
     PresetImport(const SoundFontFile& file, const SoundFontFile::Preset& preset, ImportReport& report)
@@ -83,7 +110,7 @@ class PresetImport {
   private:
     void remark(const char* what, const char* instead) { report_.add(what, instead, place_); }
     bool isPlayable(const SoundFontVoice& voice);
-    bool arePair(const SoundFontVoice& left, const SoundFontVoice& right) const;
+    std::vector<std::optional<std::size_t>> otherSides(const std::vector<SoundFontVoice>& voices) const;
     void addZone(const SoundFontVoice& voice, const SoundFontVoice* right);
     std::size_t sampleFor(std::size_t left, std::optional<std::size_t> right);
     void setPitch(ImportedZone& zone, const SoundFontVoice& voice);
@@ -111,25 +138,26 @@ bool PresetImport::isPlayable(const SoundFontVoice& voice) {
     return false;
 }
 
-// Two zones that play the sides of one recording, hard left and right, as one would.
-bool PresetImport::arePair(const SoundFontVoice& left, const SoundFontVoice& right) const {
-    const SoundFontSample &a = file_->samples[left.sample], &b = file_->samples[right.sample];
-    if (a.link != right.sample || b.link != left.sample || a.type != SoundFontSample::Left ||
-        b.type != SoundFontSample::Right)
-        return false;
-    const auto sameShape = [](const SoundFontSample& s) {
-        return std::tuple(s.end - s.start, s.loopStart - s.start, s.loopEnd - s.start, s.rate, s.rootKey,
-                          s.correction);
-    };
-    const auto ranges = [](const SoundFontVoice& v) {
-        return std::tuple(v.lowKey, v.highKey, v.lowVelocity, v.highVelocity, v.velocityAmount, v.instrument);
-    };
-    if (sameShape(a) != sameShape(b) || ranges(left) != ranges(right)) return false;
-    for (std::size_t id = 0; id < generatorCount; ++id) {
-        const auto g = static_cast<Generator>(id);
-        if (g != Generator::Pan && g != Generator::SampleId && left[g] != right[g]) return false;
+// Zones that play the sides of one recording, hard left and right, sound as one zone would: for the first of
+// two, the index of the other one. Of any number of voices in little time, whatever the file.
+std::vector<std::optional<std::size_t>>
+PresetImport::otherSides(const std::vector<SoundFontVoice>& voices) const {
+    std::vector<std::optional<std::size_t>> others(voices.size());
+    std::map<std::pair<std::size_t, SharedBySides>, std::deque<std::size_t>> waiting; // by sample
+    for (std::size_t i = 0; i < voices.size(); ++i) {
+        const SoundFontSample& sample = file_->samples[voices[i].sample];
+        if (!isHardSide(sample, voices[i][Generator::Pan])) continue;
+        const SharedBySides shared = sharedBySides(voices[i]);
+        const auto before = waiting.find({sample.link, shared});
+        if (before != waiting.end() && !before->second.empty() &&
+            areSides(voices[i].sample, sample, file_->samples[sample.link])) {
+            others[before->second.front()] = i;
+            before->second.pop_front();
+        } else {
+            waiting[{voices[i].sample, shared}].push_back(i);
+        }
     }
-    return left[Generator::Pan] <= -500 && right[Generator::Pan] >= 500;
+    return others;
 }
 
 std::size_t PresetImport::sampleFor(std::size_t left, std::optional<std::size_t> right) {
@@ -232,16 +260,14 @@ ImportedInstrument PresetImport::run() {
     out_.name = preset_.name.empty() ? "Preset " + std::to_string(preset_.program) : preset_.name;
     out_.polyphony = polyphony;
     const auto voices = voicesOf(*file_, preset_);
+    const auto others = otherSides(voices);
     std::vector<bool> done(voices.size(), false);
     for (std::size_t i = 0; i < voices.size(); ++i) {
         if (done[i] || !isPlayable(voices[i])) continue;
         const SoundFontVoice *voice = &voices[i], *other = nullptr;
-        for (std::size_t k = i + 1; k < voices.size() && !other; ++k) {
-            if (done[k] || voices[k].sample != file_->samples[voice->sample].link) continue;
-            if (arePair(*voice, voices[k]) || arePair(voices[k], *voice)) {
-                other = &voices[k];
-                done[k] = true;
-            }
+        if (others[i]) {
+            other = &voices[*others[i]];
+            done[*others[i]] = true;
         }
         if (other && file_->samples[voice->sample].type == SoundFontSample::Right) std::swap(voice, other);
         addZone(*voice, other);
