@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,7 @@ struct InstrumentTexts {
     std::string title;                    // a library lists the file when neither name nor title is empty
     std::string path;                     // of the file, empty when nothing was loaded
     std::string remark;                   // a third text of the file; kept, read by nobody
-    std::string layout;                   // XML of the panel; empty: the built-in layout
+    std::optional<std::string> layout;    // XML of the panel; none: no file brought one, the built-in layout
     std::vector<std::uint8_t> panelImage; // encoded picture; empty: the built-in one
     std::vector<std::string> licences;
 

@@ -3,6 +3,7 @@
 
 #include "engine/ZInstrument.h"
 #include "gui/CPlayerKeyboard.h"
+#include "gui/DefaultLayout.h"
 #include "gui/PanelEdits.h"
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
@@ -102,7 +103,7 @@ void CZSPGUI::rebuildPlayer() {
         const juce::ScopedTryLock contents(link_.contentsLock());
         if (contents.isLocked()) {
             const auto& texts = link_.engine().texts();
-            if (!texts.layout.empty()) layout = texts.layout;
+            layout = texts.layout.value_or(defaultLayout);
             image = texts.panelImage;
         }
     }

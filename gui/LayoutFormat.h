@@ -46,7 +46,4 @@ inline constexpr LayoutColour layoutColours[] = {
 };
 inline constexpr int layoutColourOffset = 100;
 
-// The layout of instruments that bring none: 593 x 242, six knobs, two labels, a keyboard and a stop button.
-extern const char* const defaultLayout;
-
 } // namespace zarno

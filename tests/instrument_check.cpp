@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/LayoutFormat.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaveBuilder.h"
 #include "tools/check/CheckLayout.h"
@@ -28,7 +27,6 @@ Json soundInstrument() {
     };
     return {{"format", "zarno-instrument"},
             {"name", "Sound"},
-            {"layout", "layout.xml"},
             {"groups", {group("Soft", 24), group("Loud", 25)}}};
 }
 
@@ -36,7 +34,6 @@ class InstrumentCheck : public testing::Test {
   protected:
     Findings check(const Json& json, const PackOptions& options = {}) {
         folder.write("in/a.wav", WaveBuilder().format(1, 44100, 16).data(std::string(200, '\x40')).bytes());
-        folder.write("in/layout.xml", defaultLayout);
         folder.write("in/instrument.json", json.dump());
         std::vector<std::string> missing;
         writeInstrumentFile(readInstrumentFolder(folder / "in", options, missing), folder / "in/out.zse");
@@ -87,6 +84,7 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         {R"({"title": ""})", "error: title: this is empty: no library lists the instrument"},
         {R"({"panel": "a.wav"})", "panel: the background is no PNG"},
         {R"({"groups": []})", "groups: there are none"},
+        {R"({"layout": ""})", "layout, line 1: there is no element: no panel is shown"},
         {R"({"layout": "instrument.json"})", "layout, line 1: text stands before the first element"},
         {R"({"settings": {"polyphony": 0}})",
          "settings: polyphonyStored is 0: it must be from 1.0 to 1024.0"},

@@ -85,7 +85,7 @@ TEST_F(InstrumentFiles, FillTheHeader) {
     file.settings.sixteenBitStored = 0;
     ASSERT_TRUE(load()) << result.reason;
     const auto& texts = instrument.texts();
-    EXPECT_EQ(texts.name + "|" + texts.title + "|" + texts.remark + "|" + texts.layout,
+    EXPECT_EQ(texts.name + "|" + texts.title + "|" + texts.remark + "|" + texts.layout.value(),
               "Name|Title|Remark|<xml/>");
     EXPECT_EQ(texts.path, folder / "x.zse");
     EXPECT_THAT(texts.panelImage, ElementsAre('P', 'N', 'G'));
@@ -374,6 +374,7 @@ TEST_F(InstrumentFiles, ReadingStopsWhereTheFileEndsAndSaysWhere) {
         ASSERT_TRUE(load(whole.substr(0, c.cut)));
         EXPECT_EQ(instrument.texts().incompleteReason, std::string("the file ends in ") + c.what);
         EXPECT_EQ(instrument.texts().incompleteAt, c.offset);
+        EXPECT_EQ(instrument.texts().layout.has_value(), c.cut > 625) << "else as it starts out";
         ASSERT_EQ(instrument.groups().size(), c.groups);
         EXPECT_EQ(c.groups > 0 ? instrument.groups()[0]->zones().size() : 0, c.zones);
     }

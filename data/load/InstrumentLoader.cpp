@@ -103,7 +103,8 @@ void Load::fillHeader() {
     texts.title = contents_.title.text();
     texts.remark = contents_.remark.text();
     texts.panelImage = std::move(contents_.image);
-    texts.layout = contents_.layout.text();
+    // A layout that is there and empty is one all the same: the panel says that it cannot be read.
+    if (!contents_.incomplete || !contents_.layout.bytes.empty()) texts.layout = contents_.layout.text();
     for (const StoredText& licence : contents_.licences)
         texts.licences.emplace_back(licence.text());
     if (contents_.incomplete) {

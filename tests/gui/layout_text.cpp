@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/Limits.h"
+#include "gui/DefaultLayout.h"
 #include "gui/LayoutReader.h"
 
 #include <gmock/gmock.h>

@@ -2,6 +2,7 @@
 #include "gui/CKnob.h"
 #include "gui/CPlayerGUI.h"
 #include "gui/CPlayerKeyboard.h"
+#include "gui/DefaultLayout.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

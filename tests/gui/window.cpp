@@ -24,7 +24,7 @@ class Window : public testing::Test {
         link.index = 1;
     }
     // An instrument of manual groups, as if just loaded.
-    void load(const std::string& layout,
+    void load(const std::optional<std::string>& layout,
               std::initializer_list<const char*> groups = {"one", "two", "three"}) {
         auto& engine = link.instrument;
         engine.clear();
@@ -68,7 +68,7 @@ TEST_F(Window, SaysWhatIsLoaded) {
     link.titles.clear();
     window->rebuildPlayer();
     EXPECT_EQ(title(), "Cannot find any instruments.");
-    load("", {"soft", "loud"});
+    load({}, {"soft", "loud"});
     link.instrument.activateGroup(link.instrument.groups()[1].get());
     window->loadingFinished();
     EXPECT_EQ(title(), "Bright Piano");
@@ -287,6 +287,7 @@ TEST_F(WindowOnScreen, TakesTheMouseOnEveryControlWhileAudioRuns) {
 TEST_F(WindowOnScreen, TellsOncePerLoadWhatIsWrongWithAPanel) {
     auto& boxes = *juce::ModalComponentManager::getInstance();
     for (const auto& [layout, caption] : {std::pair{"<panel/>", "Zarno Sampler Player"},
+                                          std::pair{"", "Layout XML Format Error"},
                                           std::pair{"<player><label", "Layout XML Format Error"}}) {
         load(layout);
         for (const int expected : {1, 0}) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/host/HostRig.h"
 
+#include "gui/DefaultLayout.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
 
@@ -69,6 +70,7 @@ std::string monoBlock(int frames, int rate, const std::function<double(int frame
 InstrumentBuilder levelInstrument(const std::string& name, double level) {
     InstrumentBuilder builder;
     builder.name = name;
+    builder.layout = defaultLayout;
     builder.storage = 1;
     builder.settings.streaming = builder.settings.streamingStored = 0;
     auto playing = zone("level", monoBlock(200000, 44100, [level](int) { return level; }));

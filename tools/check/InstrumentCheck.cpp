@@ -50,8 +50,7 @@ const InstrumentReport::Sample* sampleOf(const InstrumentReport& report, const Z
 Findings checkInstrument(const InstrumentReport& report, const std::function<void(double)>& progress) {
     Findings findings;
     checkHeader(report.file, findings);
-    if (!report.file.layout.text().empty())
-        checkLayout(report.file.layout.text(), findings); // else the built-in one
+    checkLayout(report.file.layout.text(), findings);
     checkRecords(report.file, findings);
     checkGroups(report.file, findings);
     checkSamples(report, findings);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "data/load/InstrumentFile.h"
+#include "gui/DefaultLayout.h"
 
 #include <functional>
 #include <iosfwd>
@@ -11,6 +12,8 @@ namespace zarno {
 
 /// An instrument to be written: its structure, and for each sample block where the frames come from.
 struct Model {
+    Model() { file.layout.bytes = defaultLayout; } // as an instrument starts out
+
     InstrumentFile file;
 
     /// One for each of file.blocks. Writes exactly the block's dataBytes; throws MakerError when it cannot.

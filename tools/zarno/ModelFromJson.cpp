@@ -57,6 +57,7 @@ class FolderReader {
     void magic();
     void storage();
     void header();
+    void layout();
     void settings();
     GroupEntry group(const Json& json, const std::string& where);
     ZoneEntry zone(const Json& json, const std::string& where);
@@ -104,6 +105,18 @@ void FolderReader::storage() {
     if (options_.embed && !isEmbedded()) model_.file.storage = format::Embedded;
 }
 
+// Not named: the built-in one; named "": none at all.
+void FolderReader::layout() {
+    StoredText& layout = model_.file.layout;
+    if (root_.has("layout")) {
+        const std::string name = root_.text("layout");
+        const auto bytes = name.empty() ? std::vector<std::uint8_t>() : readWholeFile(joinPath(folder_, name));
+        layout.bytes.assign(bytes.begin(), bytes.end());
+    }
+    layout.terminated = !root_.has("layoutTerminated") || root_.flag("layoutTerminated");
+    root_.find("layoutTerminated");
+}
+
 void FolderReader::header() {
     InstrumentFile& file = model_.file;
     if (root_.text("format") != instrumentJsonFormat)
@@ -115,12 +128,7 @@ void FolderReader::header() {
     // A library lists no instrument without a title.
     file.title = root_.has("title") ? root_.storedText("title") : file.name;
     file.remark = root_.storedText("text");
-    if (const std::string layout = root_.text("layout"); !layout.empty()) {
-        const auto bytes = readWholeFile(joinPath(folder_, layout));
-        file.layout.bytes.assign(bytes.begin(), bytes.end());
-    }
-    file.layout.terminated = !root_.has("layoutTerminated") || root_.flag("layoutTerminated");
-    root_.find("layoutTerminated");
+    layout();
     if (const std::string panel = root_.text("panel"); !panel.empty())
         file.image = readWholeFile(joinPath(folder_, panel));
     file.imageSize = count(root_, "imageSize", file.image.size());

@@ -46,7 +46,7 @@ void addHeader(Json& json, const InstrumentFile& file, const FolderFiles& files)
     json["name"] = textToJson(file.name);
     json["title"] = textToJson(file.title);
     json["text"] = textToJson(file.remark);
-    if (!files.layout.empty()) json["layout"] = files.layout;
+    json["layout"] = files.layout; // also when there is none: left out, it would be the built-in one
     if (!file.layout.terminated) json["layoutTerminated"] = false;
     if (!files.panel.empty()) json["panel"] = files.panel;
     if (file.imageSize < 0) json["imageSize"] = file.imageSize;

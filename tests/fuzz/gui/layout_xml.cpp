@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A layout text: read, made a panel of, and drawn.
 #include "gui/CPlayerGUI.h"
+#include "gui/DefaultLayout.h"
 #include "tests/fuzz/run/Target.h"
 
 namespace zarno::fuzz {

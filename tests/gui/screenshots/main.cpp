@@ -101,11 +101,11 @@ class Session final : private juce::Timer {
         auto& texts = link_.instrument.texts();
         texts.layout = example_.getChildFile("layout.xml").loadFileAsString().toStdString();
         texts.panelImage.assign(picture.begin(), picture.end());
-        isGood_ = isGood_ && !texts.layout.empty() && !texts.panelImage.empty();
+        isGood_ = isGood_ && !texts.layout->empty() && !texts.panelImage.empty();
         finishLoading();
     }
     void zoom() {
-        link_.instrument.texts().layout.clear();
+        link_.instrument.texts().layout.reset();
         link_.instrument.texts().panelImage.clear();
         finishLoading();
         window_->setZoom(200);

@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/LayoutFormat.h"
+#pragma once
 
 namespace zarno {
 
-const char* const defaultLayout =
+// The layout that an instrument starts out with: 593 x 242, six knobs, two labels, a keyboard and a stop button.
+inline constexpr const char* defaultLayout =
     R"(<?xml version="1.0" encoding="UTF-8"?><player width="593" height="242">
 <images/>
 <label x="173" y="62" width="286" height="21" 8="" 2="1" 16777957="ffffffff"/>
