@@ -48,6 +48,15 @@ inline constexpr double watchedPlaceMs = 10000.0;   // the same while the user w
 inline constexpr std::size_t sidecarBytes = 4096;   // of a module's identity file; more is not read
 inline constexpr std::size_t songBytes = 268435456; // of a MIDI file to render
 
+// Importing
+inline constexpr std::size_t importedZones = 262144; // of an instrument; short texts can ask for billions
+inline constexpr std::size_t importedFiles = 131072; // of a folder
+inline constexpr std::size_t importedTextBytes = 67108864; // of an SFZ text, includes and all
+inline constexpr std::size_t importedLineBytes = 65536;    // of a line of it
+inline constexpr std::size_t importedDefinitions = 65536;
+inline constexpr int includes = 4096;
+inline constexpr int includeDepth = 16;
+
 // What one small hostile input may take in all. Fuzzing holds us to it.
 inline constexpr int inputSeconds = 2;
 inline constexpr int inputMegabytes = 512;

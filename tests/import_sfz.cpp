@@ -288,18 +288,20 @@ TEST_F(ImportSfz, SaysWhatItCannotExpress) {
 }
 
 TEST_F(ImportSfz, RefusesWhatIsNone) {
-    const std::pair<std::string, const char*> cases[] = {{"", "nothing in it"},
-                                                         {"<region>sample=none.wav", "nothing in it"},
-                                                         {"#include \"x.sfz\"", "include each other"},
-                                                         {std::string(100000, 'x'), "line is too long"},
-                                                         {"#define $A " + std::string(6000, 'x') + "\n" +
-                                                              [] {
-                                                                  std::string text;
-                                                                  for (int i = 0; i < 12; ++i)
-                                                                      text += "$A";
-                                                                  return text;
-                                                              }(),
-                                                          "line is too long"}};
+    const auto repeated = [](const char* text, int times) {
+        std::string all;
+        for (int i = 0; i < times; ++i)
+            all += text;
+        return all;
+    };
+    const std::pair<std::string, const char*> cases[] = {
+        {"", "nothing in it"},
+        {"<region>sample=none.wav", "nothing in it"},
+        {"#include \"x.sfz\"", "include each other"},
+        {repeated("x", 100000), "line is too long"},
+        {"#define $A " + repeated("x", 6000) + "\n" + repeated("$A", 12), "line is too long"},
+        {"<global>sample=a.wav pitch_keytrack=50" + repeated("\n<region>", 2049), "too many zones"},
+        {"<global>sample=a.wav\n" + repeated("<region>\n", 262145), "too many regions"}};
     for (const auto& [text, why] : cases)
         try {
             sound(text);

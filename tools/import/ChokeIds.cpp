@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/GroupMapper.h"
 
+#include <algorithm>
 #include <map>
-#include <set>
 
 namespace zarno {
 namespace {
@@ -26,13 +26,10 @@ bool canSoundTogether(const ImportedZone& a, const ImportedZone& b) {
 }
 
 int freeLayer(const ImportedZone& zone, const std::vector<Taken>& others) {
-    std::set<int> used;
+    std::vector<bool> used(others.size() + 1);
     for (const Taken& other : others)
-        if (canSoundTogether(zone, *other.zone)) used.insert(other.layer);
-    int layer = 0;
-    while (used.contains(layer))
-        ++layer;
-    return layer;
+        if (canSoundTogether(zone, *other.zone)) used[static_cast<std::size_t>(other.layer)] = true;
+    return static_cast<int>(std::find(used.begin(), used.end(), false) - used.begin());
 }
 
 } // namespace

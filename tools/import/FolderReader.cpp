@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/Limits.h"
 #include "tools/import/LowerCase.h"
 #include "tools/import/NamePattern.h"
 #include "tools/import/Readers.h"
@@ -20,7 +21,6 @@ namespace fs = std::filesystem;
 constexpr int firstDrumKey = 36, lastKey = 127;
 constexpr int lowestPlausibleKey = 12; // smaller numbers in names count something
 constexpr double usualRelease = 100.0; // ms
-constexpr std::size_t mostFiles = 1u << 17;
 
 bool isSoundFile(const fs::path& path) {
     static const std::set<std::string> extensions = {".wav", ".aif",  ".aiff", ".aifc", ".flac",
@@ -37,7 +37,7 @@ std::vector<fs::path> findSoundFiles(const std::string& folder) {
     for (const fs::recursive_directory_iterator end; !failed && entry != end; entry.increment(failed)) {
         std::error_code unknown;
         if (entry->is_regular_file(unknown) && isSoundFile(entry->path())) files.push_back(entry->path());
-        if (files.size() > mostFiles) throw MakerError(folder, "there are too many sound files");
+        if (files.size() > limits::importedFiles) throw MakerError(folder, "there are too many sound files");
     }
     if (failed) throw MakerError(folder, "the folder cannot be read");
     std::sort(files.begin(), files.end());

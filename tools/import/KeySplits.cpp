@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/Limits.h"
 #include "tools/import/GroupMapper.h"
+#include "tools/zarno/MakerError.h"
 
 #include <algorithm>
 
@@ -29,11 +31,13 @@ ImportedZone atKey(const ImportedZone& zone, int key) {
 std::vector<ImportedZone> splitByKey(const std::vector<ImportedZone>& zones) {
     std::vector<ImportedZone> split;
     for (const ImportedZone& zone : zones) {
-        if (followsKeysAsTheEngine(zone)) {
-            split.push_back(zone);
-            continue;
-        }
-        for (int key = std::max(zone.keys.low, 0); key <= std::min(zone.keys.high, 127); ++key)
+        const bool stays = followsKeysAsTheEngine(zone);
+        const int low = std::max(zone.keys.low, 0), high = std::min(zone.keys.high, 127);
+        if (split.size() + static_cast<std::size_t>(stays ? 1 : std::max(high - low + 1, 0)) >
+            limits::importedZones)
+            throw MakerError(zone.place, "there are too many zones");
+        if (stays) split.push_back(zone);
+        for (int key = low; !stays && key <= high; ++key)
             split.push_back(atKey(zone, key));
     }
     return split;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SoundFontVoices.h"
 
+#include "data/Limits.h"
 #include "tools/zarno/MakerError.h"
 
 #include <algorithm>
@@ -8,9 +9,6 @@
 
 namespace zarno {
 namespace {
-
-// Two lists of 65,535 zones multiply; a real preset has a few hundred voices.
-constexpr std::size_t mostVoices = 50000;
 
 constexpr std::uint16_t velocityConcaveFalling = 0x0502;
 
@@ -139,7 +137,7 @@ std::vector<SoundFontVoice> voicesOf(const SoundFontFile& file, const SoundFontF
         const auto& zones = file.instruments[static_cast<std::uint16_t>(outer[Generator::Instrument])].zones;
         const GeneratorSet* forAll = zoneForAll(zones, Generator::SampleId);
         pairs += zones.size();
-        if (pairs > mostVoices)
+        if (pairs > limits::importedZones) // two lists of 65,535 zones multiply
             throw MakerError(file.path,
                              "the preset \"" + preset.name + "\" has more layers than can be played");
         for (const GeneratorSet& inner : zones)

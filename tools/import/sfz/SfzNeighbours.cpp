@@ -38,8 +38,11 @@ class ChokeClasses {
     void join(int a, int b) { parents_[root(a)] = root(b); }
     int root(int group) {
         auto found = parents_.try_emplace(group, group).first;
-        while (found->second != found->first)
-            found = parents_.try_emplace(found->second, found->second).first;
+        while (found->second != found->first) {
+            const auto parent = parents_.find(found->second);
+            found->second = parent->second; // the next one has half the way: chains may be long
+            found = parent;
+        }
         return found->first;
     }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/sfz/SfzReader.h"
 
+#include "data/Limits.h"
 #include "tools/import/Readers.h"
 #include "tools/import/sfz/SfzNeighbours.h"
 #include "tools/zarno/FilePaths.h"
@@ -13,8 +14,6 @@
 
 namespace zarno {
 namespace {
-
-constexpr std::size_t mostRegions = 1u << 18;
 
 class SfzReader {
   public:
@@ -76,7 +75,7 @@ void SfzReader::region(const std::string& place) {
                     place);
         return;
     }
-    if (regions_.size() >= mostRegions) throw MakerError(place, "there are too many regions");
+    if (regions_.size() >= limits::importedZones) throw MakerError(place, "there are too many regions");
     const auto entry = files_.sample(forwardSlashes(control_.defaultPath + sample), place);
     if (!entry) return;
     auto region = readSfzRegion(opcodes_, control_, *entry->info, place, report_);
@@ -114,7 +113,7 @@ std::optional<std::string> readTextFile(const std::string& path) {
     const std::string found = findFile(path);
     if (found.empty()) return std::nullopt;
     std::error_code failed;
-    if (std::filesystem::file_size(filePath(found), failed) > SfzLimits::textBytes || failed)
+    if (std::filesystem::file_size(filePath(found), failed) > limits::importedTextBytes || failed)
         throw MakerError(path, "the text is too long");
     std::ifstream file(filePath(found), std::ios::binary);
     return std::string(std::istreambuf_iterator<char>(file), {});

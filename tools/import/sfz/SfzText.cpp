@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/sfz/SfzText.h"
 
+#include "data/Limits.h"
 #include "tools/zarno/MakerError.h"
 
 #include <algorithm>
@@ -75,14 +76,15 @@ class LineReader {
 
 void LineReader::readFile(std::string_view text, const std::string& name, int depth) {
     bytes_ += text.size();
-    if (bytes_ > SfzLimits::textBytes) throw MakerError(name, "the text with all it includes is too long");
+    if (bytes_ > limits::importedTextBytes)
+        throw MakerError(name, "the text with all it includes is too long");
     const auto file = std::make_shared<const std::string>(name);
     const std::string code = withoutComments(text);
     int number = 0;
     for (std::size_t at = 0; at < code.size();) {
         const std::size_t end = std::min(code.find('\n', at), code.size());
         Scan scan{std::string_view(code).substr(at, end - at), {{}, file, ++number}, depth};
-        if (scan.rest.size() > SfzLimits::lineBytes)
+        if (scan.rest.size() > limits::importedLineBytes)
             throw MakerError(scan.line.place(), "the line is too long");
         readLine(scan);
         at = end + 1;
@@ -91,7 +93,7 @@ void LineReader::readFile(std::string_view text, const std::string& name, int de
 
 void LineReader::flush(Scan& scan) {
     bytes_ += scan.line.text.size();
-    if (bytes_ > SfzLimits::textBytes)
+    if (bytes_ > limits::importedTextBytes)
         throw MakerError(scan.line.place(), "the text with all its definitions is too long");
     if (std::any_of(scan.line.text.begin(), scan.line.text.end(), [](char c) { return !isSpace(c); }))
         lines_.push_back(scan.line);
@@ -114,7 +116,7 @@ void LineReader::readLine(Scan& scan) {
             scan.line.text += scan.rest.front();
             scan.rest.remove_prefix(1);
         }
-        if (scan.line.text.size() > SfzLimits::lineBytes)
+        if (scan.line.text.size() > limits::importedLineBytes)
             throw MakerError(scan.line.place(), "the line is too long");
     }
     flush(scan);
@@ -136,7 +138,7 @@ void LineReader::define(Scan& scan) {
         report_.add("#define without a $name", "ignored", scan.line.place());
         return;
     }
-    if (definitions_.size() >= SfzLimits::definitions)
+    if (definitions_.size() >= limits::importedDefinitions)
         throw MakerError(scan.line.place(), "there are too many definitions");
     definitions_.insert_or_assign(std::string(name.substr(1)), std::string(value));
 }
@@ -180,7 +182,7 @@ void LineReader::include(Scan& scan) {
     std::string path = name.line.text;
     std::replace(path.begin(), path.end(), '\\', '/');
 
-    if (scan.depth >= SfzLimits::includeDepth || ++includeCount_ > SfzLimits::includes)
+    if (scan.depth >= limits::includeDepth || ++includeCount_ > limits::includes)
         throw MakerError(scan.line.place(), "files include each other too deeply or too often");
     if (const auto text = includes_(path))
         readFile(*text, path, scan.depth + 1);

@@ -26,15 +26,6 @@ struct SfzLine {
 /// Gives the text of an included file; the path is as written, with forward slashes.
 using SfzIncludes = std::function<std::optional<std::string>(const std::string& path)>;
 
-// What a text may grow to by its includes and definitions, which could otherwise grow without bound.
-struct SfzLimits {
-    static constexpr std::size_t textBytes = 64u << 20; // of all files together, after expansion
-    static constexpr std::size_t lineBytes = 1u << 16;
-    static constexpr int includeDepth = 16;
-    static constexpr int includes = 4096;
-    static constexpr std::size_t definitions = 1u << 16;
-};
-
 /// The lines of the text and of the files that it includes, definitions in force ("#define $KEY 60")
 /// replaced. Throws MakerError when a limit is passed; a file that is not there is a remark.
 std::vector<SfzLine> readSfzLines(std::string_view text, const std::string& fileName,
