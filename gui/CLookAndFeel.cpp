@@ -2,6 +2,7 @@
 #include "gui/CLookAndFeel.h"
 
 #include "gui/Theme.h"
+#include "gui/Typefaces.h"
 
 #include <algorithm>
 #include <vector>
@@ -14,27 +15,6 @@ using juce::Colour;
 std::vector<CLookAndFeel*>& living() {
     static std::vector<CLookAndFeel*> all;
     return all;
-}
-
-const juce::StringArray& installedTypefaces() {
-    static const juce::StringArray names = juce::Font::findAllTypefaceNames();
-    return names;
-}
-
-juce::String firstInstalled(std::initializer_list<const char*> names) {
-    for (const char* name : names)
-        if (installedTypefaces().contains(name)) return name;
-    return {};
-}
-
-// A typeface that is not there draws no text at all, so none is named blindly.
-void chooseTypefaces(juce::LookAndFeel& lookAndFeel) {
-    if (const auto face = firstInstalled({"SimHei"}); face.isNotEmpty())
-        lookAndFeel.setDefaultSansSerifTypefaceName(face);
-    const auto fallback = firstInstalled({"Noto Sans CJK SC", "Source Han Sans SC", "Source Han Sans CN",
-                                          "WenQuanYi Zen Hei", "WenQuanYi Micro Hei", "Droid Sans Fallback",
-                                          "Microsoft YaHei", "SimSun", "MS Gothic"});
-    if (fallback.isNotEmpty()) juce::Font::setFallbackFontName(fallback);
 }
 
 juce::LookAndFeel_V4::ColourScheme colourScheme() {
@@ -171,6 +151,10 @@ juce::Font CLookAndFeel::getTextButtonFont(juce::TextButton&, int height) {
 
 juce::Font CLookAndFeel::getComboBoxFont(juce::ComboBox& combo) {
     return juce::Font(std::clamp(static_cast<float>(combo.getHeight()) * 0.62f, 8.0f, 14.0f));
+}
+
+juce::Typeface::Ptr CLookAndFeel::getTypefaceForFont(const juce::Font& font) {
+    return completeTypeface(font, LookAndFeel_V4::getTypefaceForFont(installedFont(font)));
 }
 
 juce::Font CLookAndFeel::getPopupMenuFont() {

@@ -27,6 +27,7 @@ class CLookAndFeel final : public juce::LookAndFeel_V4 {
     juce::Font getTextButtonFont(juce::TextButton&, int height) override;
     juce::Font getComboBoxFont(juce::ComboBox&) override;
     juce::Font getPopupMenuFont() override;
+    juce::Typeface::Ptr getTypefaceForFont(const juce::Font&) override;
 };
 
 } // namespace zarno

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "gui/CKnob.h"
+#include "gui/CLookAndFeel.h"
 #include "gui/CPlayerGUI.h"
 #include "gui/CPlayerKeyboard.h"
 #include "gui/DefaultLayout.h"
+#include "tests/gui/support/PictureDistance.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -119,6 +121,16 @@ TEST_F(PanelFromLayout, EveryColourReachesItsControl) {
         build("<combo " + std::to_string(id + layoutColourOffset) + "='66dfc4c4'/>");
         EXPECT_EQ(panel.controls().combos[0]->findColour(id), juce::Colour(0x66dfc4c4)) << id;
     }
+}
+
+TEST_F(PanelFromLayout, AFaceThatIsNotThereIsDrawnAsTheDefaultOne) {
+    CLookAndFeel lookAndFeel;
+    lookAndFeel.install();
+    build("<label 8='Agp' width='200'/><label 8='Agp' 6='No Such Face' width='200'/>");
+    const auto& labels = panel.controls().labels;
+    EXPECT_EQ(pictureDistance(picture(*labels[0]), picture(*labels[1])), 0.0);
+    labels[0]->setText({}, juce::dontSendNotification);
+    EXPECT_GT(pictureDistance(picture(*labels[0]), picture(*labels[1])), 5.0) << "there is text";
 }
 
 TEST_F(PanelFromLayout, BadLayoutsAreToldOnceAndLeaveOnlyTheBackground) {
