@@ -7,6 +7,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
+
 namespace zarno {
 namespace {
 
@@ -66,6 +68,26 @@ void openEditor(benchmark::State& state) {
     state.counters["controls"] = controlCount;
 }
 BENCHMARK(openEditor)->Unit(benchmark::kMillisecond);
+
+// A step of the mouse wheel over a list of so many instruments, drawn.
+void scrollInstrumentList(benchmark::State& state) {
+    const juce::ScopedJuceInitialiser_GUI framework;
+    CLookAndFeel lookAndFeel;
+    lookAndFeel.install();
+    SilentProcessor processor;
+    FakeLink link;
+    for (int i = 0; i < state.range(0); ++i)
+        link.titles.add("Instrument " + juce::String(i));
+    CZSPGUI window(processor, link);
+    window.setVisible(true);
+    window.openInstrumentList();
+    auto& list = dynamic_cast<juce::ListBox&>(*window.instrumentList().getChildComponent(0));
+    for (auto _ : state) {
+        list.setVerticalPosition(std::fmod(list.getVerticalPosition() + 0.07, 1.0));
+        benchmark::DoNotOptimize(list.createComponentSnapshot(list.getLocalBounds()));
+    }
+}
+BENCHMARK(scrollInstrumentList)->Arg(20)->Arg(500)->Unit(benchmark::kMillisecond);
 
 } // namespace
 } // namespace zarno

@@ -33,6 +33,7 @@ inline constexpr std::uint64_t preloadFrames = 65536;    // granted to a preload
 inline constexpr int xmlNesting = 64;
 inline constexpr int xmlElements = 10000;
 inline constexpr int xmlAttributes = 40000;
+inline constexpr int elementAttributes = 250;        // walked anew for each that is asked for
 inline constexpr std::size_t controls = 2000;        // those after them are left out
 inline constexpr int panelLength = 8192;             // pixels, each way
 inline constexpr int coordinate = 32768;             // pixels

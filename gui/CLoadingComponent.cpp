@@ -23,7 +23,7 @@ void CLoadingComponent::visibilityChanged() {
 }
 
 void CLoadingComponent::paint(juce::Graphics& g) {
-    g.fillAll(juce::Colour(theme::body).withAlpha(0.86f));
+    g.fillAll(juce::Colour(theme::body).withAlpha(0.93f));
 }
 
 void CLoadingComponent::resized() {

@@ -145,6 +145,23 @@ void CLookAndFeel::drawPopupMenuSectionHeader(juce::Graphics& g, const juce::Rec
                      1);
 }
 
+// The framework itself writes size and time dark and small.
+void CLookAndFeel::drawFileBrowserRow(juce::Graphics& g, int width, int height, const juce::File& file,
+                                      const juce::String& name, juce::Image* icon, const juce::String& size,
+                                      const juce::String& time, bool isFolder, bool isSelected, int row,
+                                      juce::DirectoryContentsDisplayComponent& list) {
+    LookAndFeel_V4::drawFileBrowserRow(g, width, height, file, name, icon, {}, {}, isFolder, isSelected, row,
+                                       list);
+    constexpr int leastWidth = 450; // below it the name takes the whole row
+    if (width <= leastWidth || isFolder) return;
+    auto area = juce::Rectangle<int>(width, height).withTrimmedLeft(width * 7 / 10).withTrimmedRight(8);
+    g.setFont(static_cast<float>(height) * 0.6f);
+    g.setColour(isSelected ? findColour(juce::DirectoryContentsDisplayComponent::highlightedTextColourId)
+                           : Colour(theme::quietText));
+    g.drawFittedText(size, area.removeFromLeft(width / 12), juce::Justification::centredRight, 1);
+    g.drawFittedText(time, area, juce::Justification::centredRight, 1);
+}
+
 juce::Font CLookAndFeel::getTextButtonFont(juce::TextButton&, int height) {
     return juce::Font(std::clamp(static_cast<float>(height) * 0.62f, 8.0f, 14.0f));
 }

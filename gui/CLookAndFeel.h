@@ -24,6 +24,10 @@ class CLookAndFeel final : public juce::LookAndFeel_V4 {
                          const juce::String& text) override;
     void drawPopupMenuSectionHeader(juce::Graphics&, const juce::Rectangle<int>& area,
                                     const juce::String& text) override;
+    void drawFileBrowserRow(juce::Graphics&, int width, int height, const juce::File&,
+                            const juce::String& name, juce::Image* icon, const juce::String& size,
+                            const juce::String& time, bool isFolder, bool isSelected, int row,
+                            juce::DirectoryContentsDisplayComponent&) override;
     juce::Font getTextButtonFont(juce::TextButton&, int height) override;
     juce::Font getComboBoxFont(juce::ComboBox&) override;
     juce::Font getPopupMenuFont() override;

@@ -13,6 +13,7 @@ CPlayerGUI::CPlayerGUI(ControlListeners listeners, KeyboardRoute* route, ShowMes
     , route_(route)
     , showMessage_(std::move(showMessage)) {
     setTitle("Player panel");
+    setSize(defaultBackgroundWidth, defaultBackgroundHeight); // until a layout says otherwise
     setFocusContainerType(FocusContainerType::focusContainer);
 }
 

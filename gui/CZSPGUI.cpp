@@ -142,8 +142,7 @@ void CZSPGUI::refresh() {
         return;
     }
     refreshControls();
-    refreshBar();
-    refreshOverlay();
+    refreshActivity();
 }
 
 void CZSPGUI::refreshAll() {
@@ -151,8 +150,7 @@ void CZSPGUI::refreshAll() {
     refreshLabels();
     refreshControls();
     refreshKeyboards();
-    refreshBar();
-    refreshOverlay();
+    refreshActivity();
 }
 
 // What the window keeps of the instrument: names, selection, the keys' roles.
@@ -216,6 +214,11 @@ void CZSPGUI::refreshBar() {
 void CZSPGUI::refreshOverlay() {
     overlay_.setProgress(link_.loadProgress());
     overlay_.setVisible(link_.isLoading());
+}
+
+void CZSPGUI::refreshActivity() {
+    refreshBar();
+    refreshOverlay();
 }
 
 // Runs a change of the engine while its contents stay in place; during a load nothing happens.
@@ -353,14 +356,20 @@ bool CZSPGUI::keyStateChanged(bool isKeyDown) {
 }
 
 // On Windows the system's own box, later: it runs messages of its own, and now the panel is being built.
-// Elsewhere one of the framework's, which does not block.
+// Elsewhere one of the framework's, which does not block and goes with the window.
 void CZSPGUI::showMessage(const juce::String& caption, const juce::String& text) {
     if (!link_.takeTurnToTell()) return;
 #if JUCE_WINDOWS
     juce::MessageManager::callAsync(
         [caption, text] { showMessageBox(caption.toStdString(), text.toStdString()); });
 #else
-    juce::AlertWindow::showMessageBoxAsync(juce::MessageBoxIconType::WarningIcon, caption, text, "OK", this);
+    box_ = std::make_unique<juce::AlertWindow>(caption, text, juce::MessageBoxIconType::WarningIcon, this);
+    box_->addButton("OK", 0, juce::KeyPress(juce::KeyPress::returnKey),
+                    juce::KeyPress(juce::KeyPress::escapeKey));
+    box_->enterModalState(true, juce::ModalCallbackFunction::create(
+                                    [box = juce::Component::SafePointer(box_.get()), this](int) {
+                                        if (box != nullptr) box_.reset();
+                                    }));
 #endif
 }
 

@@ -78,6 +78,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void refreshKeyboards();
     void refreshBar();
     void refreshOverlay();
+    void refreshActivity();
 
     template <typename Edit>
     void edit(Edit&& change);
@@ -94,8 +95,9 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     StatusBar bar_;
     InstrumentListPanel list_;
     CLoadingComponent overlay_;
-    FileDialogs dialogs_;  // the user's own
-    FileDialogs question_; // the load's
+    std::unique_ptr<juce::AlertWindow> box_; // what is wrong with the panel
+    FileDialogs dialogs_;                    // the user's own
+    FileDialogs question_;                   // the load's
     juce::TooltipWindow tooltips_{this, 900};
     Repainter repainter_{*this};
 

@@ -74,7 +74,7 @@ void StatusBar::resized() {
         part.setBounds(area.removeFromLeft(width));
         area.removeFromLeft(4);
     };
-    fromLeft(load_, 46);
+    fromLeft(load_, 54);
     fromLeft(instruments_, 74);
     fromLeft(groups_, 50);
     fromLeft(list_, 38);

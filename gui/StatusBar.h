@@ -11,7 +11,7 @@ namespace zarno {
 // the right.
 class StatusBar final : public juce::Component {
   public:
-    static constexpr int height = 28, minWidth = 470;
+    static constexpr int height = 28, minWidth = 480;
 
     struct State {
         int voices = 0;

@@ -24,7 +24,9 @@ juce::String firstInstalled(std::initializer_list<const char*> names) {
 constexpr const char* collected = "<Collected>";
 
 juce::StringArray fontFolders() {
-    const auto variable = [](const char* name) { return juce::SystemStats::getEnvironmentVariable(name, {}); };
+    const auto variable = [](const char* name) {
+        return juce::SystemStats::getEnvironmentVariable(name, {});
+    };
     auto folders = juce::StringArray::fromTokens(variable("JUCE_FONT_PATH"), ";,", {}); // as the framework's
     folders.removeEmptyStrings();
     if (!folders.isEmpty()) return folders;
@@ -39,9 +41,8 @@ juce::File findCollection() {
     juce::File found;
     auto best = std::end(bestFirst);
     for (const auto& folder : fontFolders())
-        for (const auto& entry :
-             juce::RangedDirectoryIterator(juce::File::getCurrentWorkingDirectory().getChildFile(folder), true,
-                                           "*.ttc")) {
+        for (const auto& entry : juce::RangedDirectoryIterator(
+                 juce::File::getCurrentWorkingDirectory().getChildFile(folder), true, "*.ttc")) {
             const auto rank = std::find(std::begin(bestFirst), best, entry.getFile().getFileName());
             if (rank == best) continue;
             best = rank;
@@ -58,8 +59,8 @@ juce::Typeface::Ptr collectedTypeface() {
     return juce::Typeface::createSystemTypefaceFor(data.getData(), data.getSize());
 }
 
-// A face that lets the one for missing characters draw what it has not. Glyphs of the framework's faces have the
-// numbers of their characters.
+// A face that lets the one for missing characters draw what it has not. Glyphs of the framework's faces have
+// the numbers of their characters.
 class CompleteTypeface final : public juce::Typeface {
   public:
     explicit CompleteTypeface(const juce::Typeface::Ptr& face)

@@ -6,10 +6,11 @@
 namespace zarno {
 
 // What text is drawn with, whatever is installed. Windows sees to most of this itself. On Linux the framework
-// draws nothing with a face that is not there, an empty box for a character that a face does not have, and does
-// not know font collections, as which most Chinese, Japanese and Korean faces come. Message thread.
+// draws nothing with a face that is not there, an empty box for a character that a face does not have, and
+// does not know font collections, as which most Chinese, Japanese and Korean faces come. Message thread.
 
-// Chooses the default sans-serif face of a look and feel, and the face for characters that others do not have.
+// Chooses the default sans-serif face of a look and feel, and the face for characters that others do not
+// have.
 void chooseTypefaces(juce::LookAndFeel& lookAndFeel);
 
 // The font to take for `font`: itself, or the default sans-serif one when its face is not there.

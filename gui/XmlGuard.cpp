@@ -121,7 +121,7 @@ class Walk {
 
     // One attribute; false when the parser takes the tag for ended here.
     bool attribute() {
-        if (++attributes_ > limits::xmlAttributes) {
+        if (++attributes_ > limits::xmlAttributes || ++attributesHere_ > limits::elementAttributes) {
             refuse("too many attributes");
             return false;
         }
@@ -148,6 +148,7 @@ class Walk {
                 return leave(); // the parser gives the element around it up, and reads on behind that
         }
         if (++elements_ > limits::xmlElements) return refuse("too many elements");
+        attributesHere_ = 0;
         for (;;) {
             skipBlanks();
             if (ended_) return;
@@ -190,6 +191,7 @@ class Walk {
     std::string_view text_;
     std::size_t position_ = 0;
     int depth_ = 0, elements_ = 0, attributes_ = 0;
+    int attributesHere_ = 0; // of the element whose tag is being read
     bool ended_ = false;
     const char* refusal_ = nullptr;
 };

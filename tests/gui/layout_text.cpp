@@ -131,17 +131,20 @@ TEST(LayoutText, TheTwoErrorsAreToldInTheirOwnWords) {
     }
 }
 
+std::string repeated(const char* text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i)
+        all += text;
+    return all;
+}
+
 std::string nested(int levels) {
-    std::string text = "<player>";
-    for (int i = 1; i < levels; ++i)
-        text += "<a>";
-    for (int i = 1; i < levels; ++i)
-        text += "</a>";
-    return text + "</player>";
+    return "<player>" + repeated("<a>", levels - 1) + repeated("</a>", levels - 1) + "</player>";
 }
 
 TEST(LayoutText, WhatWouldHurtTheParserIsAFormatErrorBeforeItIsParsed) {
     EXPECT_EQ(problemOf(nested(64)).caption, "none");
+    EXPECT_EQ(readOne("<label" + repeated(" y='1'", 249) + " x='7'/>").bounds.getX(), 7);
     const std::string pictures(limits::layoutBytes, ' ');
     const std::string hostile[] = {
         nested(65),
@@ -157,12 +160,8 @@ TEST(LayoutText, WhatWouldHurtTheParserIsAFormatErrorBeforeItIsParsed) {
         "<player><?x ?>text</player>", // the parser would not come back
         "<player/>" + pictures,
         "<player>" + std::string(3 * 20000, '<') + "</player>",
-        [] {
-            std::string many = "<player>";
-            for (int i = 0; i < 20000; ++i)
-                many += "<label/>";
-            return many + "</player>";
-        }(),
+        "<player>" + repeated("<label/>", 20000) + "</player>",
+        "<player><label" + repeated(" x='1'", 251) + "/></player>",
     };
     for (const auto& text : hostile)
         EXPECT_EQ(problemOf(text).caption, "Layout XML Format Error") << text.substr(0, 60);

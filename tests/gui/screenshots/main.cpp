@@ -150,11 +150,13 @@ class Session final : private juce::Timer {
             const auto place = part->getScreenPosition() - all.getPosition();
             g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds()), place.x, place.y);
         }
-        juce::FileOutputStream file(output_.getChildFile(name + ".png"));
-        file.setPosition(0);
-        file.truncate();
-        isGood_ = isGood_ && juce::PNGImageFormat().writeImageToStream(image, file);
-        std::cout << name << ".png " << image.getWidth() << " x " << image.getHeight();
+        juce::MemoryOutputStream png;
+        const bool isWritten =
+            juce::PNGImageFormat().writeImageToStream(image, png) &&
+            output_.getChildFile(name + ".png").replaceWithData(png.getData(), png.getDataSize());
+        isGood_ = isGood_ && isWritten;
+        std::cout << name << ".png " << image.getWidth() << " x " << image.getHeight()
+                  << (isWritten ? "" : ", cannot be written");
         if (approved_ != juce::File()) compare(name, image);
         std::cout << "\n";
     }

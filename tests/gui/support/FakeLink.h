@@ -81,7 +81,9 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
 
     int getNumRows() override { return titles.size(); }
     void paintListBoxItem(int row, juce::Graphics& g, int width, int height, bool selectedRow) override {
-        g.fillAll(selectedRow ? juce::Colour(56, 117, 215) : juce::Colours::white);
+        const juce::Colour odd(237, 243, 254), chosen(56, 117, 215);
+        g.fillAll(selectedRow ? chosen : row % 2 == 0 ? juce::Colours::white : odd);
+        g.setColour(selectedRow ? juce::Colours::white : juce::Colours::black);
         g.drawText(titles[row], 2, 0, width - 4, height, juce::Justification::centredLeft);
     }
 };
