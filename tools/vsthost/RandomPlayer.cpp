@@ -13,7 +13,7 @@ constexpr int noteOff = 0x80, noteOn = 0x90, aftertouch = 0xA0, controller = 0xB
 } // namespace
 
 void RandomPlayer::add(int offset, int status, int data1, int data2) {
-    const auto at = static_cast<std::size_t>(list_.count++);
+    const auto at = static_cast<std::size_t>(list_.numEvents++);
     Vst2::VstMidiEvent& event = events_[at];
     event.type = Vst2::kVstMidiType;
     event.byteSize = sizeof event;
@@ -21,12 +21,7 @@ void RandomPlayer::add(int offset, int status, int data1, int data2) {
     event.midiData[0] = static_cast<char>(status);
     event.midiData[1] = static_cast<char>(data1);
     event.midiData[2] = static_cast<char>(data2);
-    list_.events[at] = &event;
-}
-
-// The interface declares room for two and means as many as there are.
-Vst2::VstEvents& RandomPlayer::asInterface() {
-    return *static_cast<Vst2::VstEvents*>(static_cast<void*>(&list_));
+    list_.events[at] = reinterpret_cast<Vst2::VstEvent*>(&event);
 }
 
 int RandomPlayer::anyController() {
@@ -57,17 +52,17 @@ void RandomPlayer::addAny(int frames) {
 }
 
 Vst2::VstEvents& RandomPlayer::play(int frames, int events) {
-    list_.count = 0;
+    list_.numEvents = 0;
     for (int i = 0; i < std::min(events, mostEvents); ++i)
         addAny(frames);
     if (below(4) != 0)
-        std::sort(events_.begin(), events_.begin() + list_.count,
+        std::sort(events_.begin(), events_.begin() + list_.numEvents,
                   [](const auto& a, const auto& b) { return a.deltaFrames < b.deltaFrames; });
-    return asInterface();
+    return list_;
 }
 
 Vst2::VstEvents& RandomPlayer::end(int part) {
-    list_.count = 0;
+    list_.numEvents = 0;
     if (part < endings - 1) {
         for (int key = 0; key < mostEvents; ++key)
             add(0, noteOff | (part / 2), key + mostEvents * (part % 2), 0);
@@ -75,7 +70,7 @@ Vst2::VstEvents& RandomPlayer::end(int part) {
         add(0, controller, 64, 0);
         add(0, controller, 123, 0);
     }
-    return asInterface();
+    return list_;
 }
 
 } // namespace zarno

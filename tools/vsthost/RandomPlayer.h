@@ -4,7 +4,9 @@
 #include "tools/vsthost/Abi.h"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <new>
 #include <random>
 
 namespace zarno {
@@ -18,6 +20,8 @@ class RandomPlayer {
 
     explicit RandomPlayer(std::uint32_t seed)
         : generator_(seed) {}
+    RandomPlayer(const RandomPlayer&) = delete;
+    RandomPlayer& operator=(const RandomPlayer&) = delete;
 
     /// So many events for a block of so many frames, now and then with an offset behind its end or out of
     /// order. Valid until the next call. Takes no memory.
@@ -34,17 +38,15 @@ class RandomPlayer {
     void add(int offset, int status, int data1, int data2);
     void addAny(int frames);
     int anyController();
-    Vst2::VstEvents& asInterface();
 
-    struct List { // as the interface has it, with room for all
-        std::int32_t count;
-        Vst2::VstIntPtr reserved;
-        std::array<Vst2::VstMidiEvent*, mostEvents> events;
-    };
+    // The interface declares room for two events and means as many as there are.
+    static constexpr std::size_t listBytes =
+        offsetof(Vst2::VstEvents, events) + mostEvents * sizeof(Vst2::VstEvent*);
 
     std::mt19937 generator_;
     std::array<Vst2::VstMidiEvent, mostEvents> events_{};
-    List list_{};
+    alignas(Vst2::VstEvents) std::array<std::byte, listBytes> memory_{};
+    Vst2::VstEvents& list_ = *new (memory_.data()) Vst2::VstEvents{};
 };
 
 } // namespace zarno
