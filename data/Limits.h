@@ -28,6 +28,9 @@ inline constexpr std::int32_t chunkFrames = 4194304;     // of a preload and of 
 inline constexpr std::uint64_t bufferBytes = 268435456;  // buffers of all voices together
 inline constexpr std::uint64_t preloadBytes = 268435456; // preloads beyond four times their samples
 inline constexpr std::uint64_t preloadFrames = 65536;    // granted to a preload however short its sample is
+inline constexpr double hungReadMs = 1000.0;      // waited for one read; then its thread is left behind
+inline constexpr double stalledDiskMs = 10000.0;  // a bounce, a load or a scan waits while nothing is read
+inline constexpr double offlineWaitMs = 120000.0; // and at the most for one buffer
 
 // Panels
 inline constexpr int xmlNesting = 64;

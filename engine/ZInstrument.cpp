@@ -44,13 +44,13 @@ ZInstrument::ZInstrument(const Clock& clock)
     const thread::Acts asLoading(thread::loading); // nobody else knows this instrument yet
     activeEvents_.reserve(EventQueue::ringSize);
     rebuildPool();
-    diskThread_.add(*this);
+    diskThread_.add(streams_);
 }
 
 ZInstrument::~ZInstrument() {
     shuttingDown_.store(true, std::memory_order_release);
-    streams_.pause();
-    diskThread_.remove(*this);
+    streams_->pause();
+    diskThread_.remove(*streams_);
 }
 
 void ZInstrument::postEvent(int type, int channel, int data1, int data2, std::uint32_t sampleOffset) {
@@ -113,7 +113,7 @@ void ZInstrument::beginBlock() {
     const bool offline = isOffline();
     if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs();
     wasOffline_ = offline;
-    streams_.beginBlock(offline || alwaysAwaitBuffers_, renderedMs());
+    streams_->beginBlock(offline || alwaysAwaitBuffers_, renderedMs());
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }
@@ -240,7 +240,7 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 void ZInstrument::clear() {
     thread::mustBe(thread::loading);
     groupsRequested_.store(false, std::memory_order_relaxed);
-    const StreamServer::Pause noReads(streams_);
+    const StreamServer::Pause noReads(*streams_);
     InstrumentContents former;
     takeOut(former);
 }
@@ -253,12 +253,13 @@ void ZInstrument::takeOut(InstrumentContents& former) {
     dispatcher_.liftPedal();
     former.groups = std::exchange(groups_, {});
     former.texts = std::exchange(texts_, {});
+    streams_->zonesChange();
     playingVoices_.store(0, std::memory_order_relaxed);
 }
 
 void ZInstrument::exchange(InstrumentContents& contents) {
     thread::mustBe(thread::loading);
-    const StreamServer::Pause noReads(streams_);
+    const StreamServer::Pause noReads(*streams_);
     InstrumentContents former;
     takeOut(former);
     copySettings(former.settings, settings_);
@@ -272,19 +273,19 @@ void ZInstrument::exchange(InstrumentContents& contents) {
 
 void ZInstrument::rebuildPool() {
     thread::mustBe(thread::loading);
-    const StreamServer::Pause noReads(streams_);
+    const StreamServer::Pause noReads(*streams_);
     pool_.stopAll();
     pool_.fill({});
-    pool_.fill(makeVoices(settings_, context_, streams_));
+    pool_.fill(makeVoices(settings_, context_, *streams_));
 }
 
 void ZInstrument::setLoading(bool loading) {
     thread::mustBe(thread::loading);
     if (loading_.exchange(loading, std::memory_order_acq_rel) == loading) return;
     if (loading)
-        streams_.pause();
+        streams_->pause();
     else
-        streams_.resume();
+        streams_->resume();
 }
 
 } // namespace zarno

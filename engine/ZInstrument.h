@@ -21,7 +21,7 @@ namespace zarno {
 //   [any]      any thread, at any time
 //   [audio]    the thread that renders
 //   [loading]  while the caller keeps the audio thread out (a load, construction, tests)
-class ZInstrument final : private ZSEThreadClient {
+class ZInstrument final {
   public:
     // The clock gives note times while the host plays live; it must outlive the instrument.
     explicit ZInstrument(const Clock& clock = systemClock());
@@ -103,7 +103,8 @@ class ZInstrument final : private ZSEThreadClient {
     ZSEDelegate* delegate() const { return delegate_; }
 
     // [loading] The busy mark, set while a load replaces the contents: nothing else may look into groups and
-    // zones then. Setting it returns when the disk thread is outside this instrument.
+    // zones then. Setting it returns when the disk thread is outside this instrument, or hangs in a read and
+    // is left behind.
     void setLoading(bool loading);
     // [any]
     bool isLoading() const { return loading_.load(std::memory_order_acquire); }
@@ -111,7 +112,23 @@ class ZInstrument final : private ZSEThreadClient {
     // [any] Playing voices at the end of the last block.
     int playingVoices() const { return playingVoices_.load(std::memory_order_relaxed); }
     // [any] How streaming goes.
-    StreamStats streamStats() const { return streams_.stats(); }
+    StreamStats streamStats() const { return streams_->stats(); }
+
+    // [any] While one lives, no voice waits for the disk, and a wait at hand ends: for who waits for the
+    // audio thread of a bounce.
+    class Hurry {
+      public:
+        explicit Hurry(ZInstrument& instrument)
+            : streams_(*instrument.streams_) {
+            streams_.hurry();
+        }
+        ~Hurry() { streams_.takeTime(); }
+        Hurry(const Hurry&) = delete;
+        Hurry& operator=(const Hurry&) = delete;
+
+      private:
+        StreamServer& streams_;
+    };
 
     // [audio, loading] Makes random choices repeatable.
     void seedRandom(std::uint32_t seed) { random_.seed(seed); }
@@ -127,7 +144,6 @@ class ZInstrument final : private ZSEThreadClient {
     const VoicePool& pool() const { return pool_; }
 
   private:
-    void serviceStreams() override { streams_.serve(); }
     void takeOut(InstrumentContents& former);
     void takeRequests();
     void activateRequestedGroups();
@@ -147,7 +163,7 @@ class ZInstrument final : private ZSEThreadClient {
     PlayContext context_{settings_};
     Modulation modulation_{settings_, context_};
     DiskThread diskThread_;
-    StreamServer streams_{diskThread_.event()};
+    const std::shared_ptr<StreamServer> streams_ = std::make_shared<StreamServer>(diskThread_.event());
     VoicePool pool_;
     ZRandom random_;
     EventDispatcher dispatcher_;

@@ -20,8 +20,8 @@ class ZGroup;
 class ZZone {
   public:
     ZoneRecord record;
-    ZGroup* group = nullptr; // not owned, may be null
-    std::unique_ptr<ZSoundFile> sound;
+    ZGroup* group = nullptr;           // not owned, may be null
+    std::shared_ptr<ZSoundFile> sound; // shared with the thread that reads from it
 
     // The whole sample, or of a streaming zone its preload: the first chunk from its start frame on, or less
     // where the sample ends within it. Zones that need the same frames share them.

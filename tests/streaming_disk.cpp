@@ -2,6 +2,8 @@
 // Disks that are slow, stuck or gone, in real time and offline.
 #include "data/load/InstrumentLoader.h"
 #include "data/sound/ZWaveFile.h"
+#include "data/stream/DiskThread.h"
+#include "tests/support/Gate.h"
 #include "tests/support/InstrumentBuilder.h"
 #include "tests/support/StreamingInstrument.h"
 #include "tests/support/TempFolder.h"
@@ -10,37 +12,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <condition_variable>
-#include <mutex>
 #include <thread>
 
 namespace zarno {
 namespace {
 
-// A disk that reads nothing until it is let go.
-class Gate {
-  public:
-    ~Gate() { open(); }
-    void open() {
-        const std::lock_guard lock(mutex_);
-        open_ = true;
-        opened_.notify_all();
-    }
-    void pass() {
-        std::unique_lock lock(mutex_);
-        opened_.wait(lock, [&] { return open_; });
-    }
-
-  private:
-    std::mutex mutex_;
-    std::condition_variable opened_;
-    bool open_ = false;
-};
-
 void waitForRefills(const ZInstrument& engine, std::uint64_t count) {
-    for (int i = 0; i < 1000 && engine.streamStats().refills < count; ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    ASSERT_GE(engine.streamStats().refills, count);
+    ASSERT_TRUE(comesTrue([&] { return engine.streamStats().refills >= count; }));
 }
 
 class SlowDisk : public testing::Test {
@@ -119,6 +97,56 @@ TEST(OfflineWaits, EndWhenTheDiskStandsStill) {
     const auto took = std::chrono::steady_clock::now() - began;
     EXPECT_GE(took, std::chrono::milliseconds(60));
     EXPECT_LT(took, std::chrono::milliseconds(1000)) << "a dead disk delays a bounce once";
+}
+
+// The disk gets on with others: that is no reason to go on waiting for a read of ours that hangs.
+TEST(OfflineWaits, EndWhenTheirReadHangsWhateverElseIsRead) {
+    const TestSample sample = TestSample::level(0.5f, 1000);
+    Gate gate;
+    ZZone zone;
+    const auto sound = std::make_shared<MemorySound>(sample.memory);
+    sound->onRead = [&](std::uint64_t) { gate.pass(); };
+    zone.sound = sound;
+    zone.lengthInFrames = sample.frames();
+    zone.mono = true;
+    AutoResetEvent event;
+    StreamServer server(event, {60.0, 20000.0});
+    server.allocate(1, 64, false);
+    RefillSlot& slot = server.ring(0).slot[0];
+    slot.post({&zone, 0, 0.0});
+    std::thread disk([&] { server.serviceStreams(); });
+    ASSERT_TRUE(comesTrue([&] { return gate.waiting() == 1; }));
+    std::atomic<bool> over{false};
+    std::thread others([&] {
+        for (; !over; std::this_thread::yield())
+            DiskThread::countRead();
+    });
+    server.beginBlock(true, 0.0);
+    const auto began = std::chrono::steady_clock::now();
+    for (int i = 0; i < 100; ++i)
+        EXPECT_FALSE(server.awaitBuffer(slot));
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(5000));
+    over = true;
+    gate.open();
+    others.join();
+    disk.join();
+    EXPECT_TRUE(server.awaitBuffer(slot)) << "what comes late comes all the same";
+}
+
+TEST(OfflineWaits, EndForWhoNeedsTheAudioThread) {
+    AutoResetEvent event;
+    StreamServer server(event, {60000.0, 60000.0});
+    server.beginBlock(true, 0.0);
+    RefillSlot slot;
+    slot.post({});
+    std::thread host([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        server.hurry();
+    });
+    const auto began = std::chrono::steady_clock::now();
+    EXPECT_FALSE(server.awaitBuffer(slot));
+    EXPECT_LT(std::chrono::steady_clock::now() - began, std::chrono::milliseconds(20000));
+    host.join();
 }
 
 // Loads an instrument of real files that streams from them.

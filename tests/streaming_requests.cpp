@@ -36,7 +36,8 @@ std::vector<float> filled(ZZone& zone, std::uint64_t frame, std::uint64_t frames
     SampleMemory memory;
     memory.allocate(frames, 1, false);
     std::fill_n(memory.floats(), frames, -7.0f);
-    fillChunk(zone, frame, {memory.floats(), frames, 1, false}, [](std::size_t) { return true; });
+    fillChunk(*zone.sound, {zone.record, zone.lengthInFrames}, frame, {memory.floats(), frames, 1, false},
+              [](std::size_t) { return true; });
     return {memory.floats(), memory.floats() + frames};
 }
 

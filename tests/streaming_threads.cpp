@@ -6,12 +6,12 @@
 #include "tests/support/InstrumentBuilder.h"
 #include "tests/support/StreamingInstrument.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/ThreadNames.h"
 #include "tests/support/WaveBuilder.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <fstream>
 #include <thread>
 
 namespace zarno {
@@ -134,13 +134,7 @@ TEST(StreamingThreads, ComeAndGoWithTheirInstruments) {
 
 #ifdef __linux__
 int diskThreads() {
-    int count = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::string name;
-        std::getline(std::ifstream(task.path() / "comm"), name);
-        count += name == std::string("ZSE Disk Thread").substr(0, 15);
-    }
-    return count;
+    return threadsNamed("ZSE Disk Thread");
 }
 
 TEST(StreamingThreads, ThereIsOneWhileThereAreInstruments) {

@@ -33,6 +33,8 @@ TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
     StreamServer server(event);
     server.allocate(1, 64, true);
     RefillSlot slot;
+    Refill refill;
+    RefillSlot::Ticket ticket = 0;
     StreamBuffer buffer;
     using namespace thread;
     const unsigned any = ~0u;
@@ -57,8 +59,12 @@ TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
         {"allocate", loading, [&] { server.allocate(1, 64, true); }},
         {"beginBlock", audio, [&] { server.beginBlock(false, 0.0); }},
         {"awaitBuffer", audio, [&] { server.awaitBuffer(slot); }},
-        {"serve", disk, [&] { server.serve(); }},
+        {"serve", disk, [&] { server.serviceStreams(); }},
         {"stats", any, [&] { server.stats(); }},
+        {"slot.post", audio | loading, [&] { slot.post({}); }},
+        {"slot.isReady", audio | loading, [&] { slot.isReady(); }},
+        {"slot.take", disk, [&] { slot.take(refill, ticket); }},
+        {"slot.complete", disk, [&] { slot.complete(ticket); }},
         {"buffer.allocate", loading, [&] { buffer.allocate(64, true); }},
     };
     for (const Tagged& row : rows)
@@ -76,20 +82,21 @@ TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
 
 // The threads of the house say what they are.
 TEST(ThreadRoles, TheDiskThreadIsKnown) {
-    struct Client final : ZSEThreadClient {
+    struct Client : ZSEThreadClient {
         void serviceStreams() override {
             role = thread::current();
             served.signal();
         }
         thread::Role role = thread::unknown;
         AutoResetEvent served;
-    } client;
+    };
+    const auto client = std::make_shared<Client>();
     DiskThread share;
     share.add(client);
     share.event().signal();
-    ASSERT_TRUE(client.served.wait(10000));
-    share.remove(client);
-    EXPECT_EQ(client.role, thread::disk);
+    ASSERT_TRUE(client->served.wait(10000));
+    share.remove(*client);
+    EXPECT_EQ(client->role, thread::disk);
 }
 
 } // namespace

@@ -86,18 +86,16 @@ bool needsFile(const StreamPoints& points, std::uint64_t frame, std::uint64_t ch
 
 } // namespace
 
-ChunkResult fillChunk(ZZone& zone, std::uint64_t frame, const ChunkTarget& target,
-                      const std::function<bool(std::size_t)>& goOn) {
-    const StreamPoints points(zone.record, zone.lengthInFrames);
+ChunkResult fillChunk(ZSoundFile& sound, const StreamPoints& points, std::uint64_t frame,
+                      const ChunkTarget& target, const std::function<bool(std::size_t)>& goOn) {
     if (!needsFile(points, frame, target.frames)) {
         std::memset(target.frame0, 0, static_cast<std::size_t>(target.frames) * target.frameBytes());
         return ChunkResult::Filled;
     }
-    if (!zone.sound->reopen()) return ChunkResult::NoFile;
-    Filler filler(*zone.sound, target, goOn);
+    if (!sound.reopen()) return ChunkResult::NoFile;
+    Filler filler(sound, target, goOn);
     const bool whole = fill(filler, points, frame, target.frames);
-    zone.sound->close();
-    zone.lastAccessMs.store(systemClock().nowMs(), std::memory_order_relaxed);
+    sound.close();
     return whole ? ChunkResult::Filled : ChunkResult::Abandoned;
 }
 
@@ -127,8 +125,10 @@ std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit, const st
 
     ChunkTarget target{memory->shorts(), frames, memory->channels(), sixteenBit};
     if (!sixteenBit) target.frame0 = memory->floats();
-    if (fillChunk(zone, points.start, target, [&](std::size_t) { return goOn(); }) != ChunkResult::Filled)
+    const auto goOnReading = [&](std::size_t) { return goOn(); };
+    if (fillChunk(*zone.sound, points, points.start, target, goOnReading) != ChunkResult::Filled)
         return nullptr;
+    zone.lastAccessMs.store(systemClock().nowMs(), std::memory_order_relaxed);
     writeSeamBefore(target);
     if (frames == chunk) writeSeamBehind(target);
     return memory;

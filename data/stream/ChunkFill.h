@@ -7,7 +7,9 @@
 
 namespace zarno {
 
+class ZSoundFile;
 class ZZone;
+struct StreamPoints;
 
 /// Where a chunk is read to: `frames` frames of the zone's channels, with SampleMemory::guardFrames more on
 /// either side.
@@ -28,11 +30,11 @@ enum class ChunkResult {
     Abandoned, ///< `goOn` said so; the target holds a part
 };
 
-/// Fills `target` with the zone's frames from `frame` on, the loop unrolled, silence where the file holds
-/// nothing. Opens the zone's sound file and closes it again. After each read `goOn` is told the bytes read
-/// and says whether to continue. One thread at a time may fill from one zone.
-ChunkResult fillChunk(ZZone& zone, std::uint64_t frame, const ChunkTarget& target,
-                      const std::function<bool(std::size_t bytesRead)>& goOn);
+/// Fills `target` with the frames from `frame` on, the loop unrolled, silence where the file holds nothing.
+/// Opens the sound file and closes it again. After each read `goOn` is told the bytes read and says whether
+/// to continue. Touches nothing but its arguments. One thread at a time may fill from one sound.
+ChunkResult fillChunk(ZSoundFile& sound, const StreamPoints& points, std::uint64_t frame,
+                      const ChunkTarget& target, const std::function<bool(std::size_t bytesRead)>& goOn);
 
 /// Interpolation does not look across the seams of a ring: the frames before a chunk repeat its first one,
 /// those behind it its last one.

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/ThreadRole.h"
+
 #include <atomic>
 #include <cstdint>
 
@@ -24,8 +26,9 @@ class RefillSlot {
   public:
     using Ticket = std::uint64_t;
 
-    // [audio]
+    // [audio, loading] While the audio thread is kept out, a load ends the notes.
     void post(const Refill& refill) {
+        thread::mustBe(thread::audio | thread::loading);
         const Ticket ticket = posted_.load(std::memory_order_relaxed);
         posted_.store(ticket + 1, std::memory_order_relaxed); // odd: being written
         // Each release makes the odd ticket seen by whoever sees the field.
@@ -35,6 +38,7 @@ class RefillSlot {
         posted_.store(ticket + 2, std::memory_order_release);
     }
     bool isReady() const {
+        thread::mustBe(thread::audio | thread::loading);
         return done_.load(std::memory_order_acquire) == posted_.load(std::memory_order_relaxed);
     }
     void cancel() {
@@ -43,6 +47,7 @@ class RefillSlot {
 
     // [disk] False when nothing waits, or when the voice is posting at this very moment: it signals then.
     bool take(Refill& refill, Ticket& ticket) const {
+        thread::mustBe(thread::disk);
         ticket = posted_.load(std::memory_order_acquire);
         if (ticket % 2 != 0 || ticket == done_.load(std::memory_order_relaxed)) return false;
         refill.zone = zone_.load(std::memory_order_acquire);
@@ -51,7 +56,10 @@ class RefillSlot {
         return isCurrent(ticket) && refill.zone != nullptr;
     }
     bool isCurrent(Ticket ticket) const { return posted_.load(std::memory_order_relaxed) == ticket; }
-    void complete(Ticket ticket) { done_.store(ticket, std::memory_order_release); }
+    void complete(Ticket ticket) {
+        thread::mustBe(thread::disk);
+        done_.store(ticket, std::memory_order_release);
+    }
 
   private:
     std::atomic<Ticket> posted_{0}, done_{0};

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/stream/StreamServer.h"
 
+#include "data/stream/DiskThread.h"
+#include "data/stream/StreamPoints.h"
 #include "engine/ZZone.h"
 #include "platform/Clock.h"
 #include "platform/ThreadRole.h"
@@ -17,31 +19,27 @@ constexpr int fillsPerTurn = 32;
 // Between two looks at whether the disk still moves.
 constexpr unsigned longestStepMs = 100;
 
-// Reads done by the disk thread, for whatever instrument.
-std::atomic<std::uint64_t> diskProgress{0};
-
 } // namespace
 
 void StreamServer::pause() {
-    thread::mustNotBe(thread::audio | thread::disk);
-    pauses_.fetch_add(1, std::memory_order_acq_rel);
-    const std::lock_guard untilDiskThreadIsOutside(serving_);
+    gate_.close(StreamGate::Patience(static_cast<int>(patience_.readMs)));
 }
 
 void StreamServer::resume() {
-    pauses_.fetch_sub(1, std::memory_order_acq_rel);
+    gate_.open();
     diskEvent_.signal();
 }
 
 void StreamServer::allocate(int voices, std::int32_t chunkFrames, bool sixteenBit) {
     thread::mustBe(thread::loading);
     const auto frames = static_cast<std::uint64_t>(chunkFrames);
-    rings_ = std::vector<StreamRing>(static_cast<std::size_t>(voices));
-    for (StreamRing& ring : rings_)
+    buffers_ = std::make_shared<Buffers>();
+    buffers_->rings = std::vector<StreamRing>(static_cast<std::size_t>(voices));
+    for (StreamRing& ring : buffers_->rings)
         for (StreamBuffer& buffer : ring.buffer)
             buffer.allocate(frames, sixteenBit);
-    if (!staging_.allocate(voices > 0 ? frames : 0, 2, sixteenBit)) throw std::bad_alloc();
-    waiting_.reserve(2 * rings_.size());
+    if (!buffers_->staging.allocate(voices > 0 ? frames : 0, 2, sixteenBit)) throw std::bad_alloc();
+    waiting_.reserve(2 * buffers_->rings.size());
 }
 
 void StreamServer::beginBlock(bool offline, double renderedMs) {
@@ -69,31 +67,43 @@ bool StreamServer::awaitBuffer(const RefillSlot& slot) {
     return slot.isReady() || (offline_ && waitWhileDiskMoves(slot));
 }
 
-bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot) {
-    const double began = systemClock().nowMs();
-    double movedAt = began;
-    std::uint64_t progress = diskProgress.load(std::memory_order_relaxed);
-    // Given up before, and still nothing moves: one dead disk delays a bounce once, not at every buffer.
-    if (progress == stalledAt_) return false;
-    while (!slot.isReady()) {
-        filled_.wait(std::min(longestStepMs, static_cast<unsigned>(patience_.stallMs)));
-        const double now = systemClock().nowMs();
-        const std::uint64_t reached = diskProgress.load(std::memory_order_relaxed);
-        if (reached != progress) movedAt = now;
-        progress = reached;
-        if (now - movedAt > patience_.stallMs || now - began > patience_.longestMs) {
-            stalledAt_ = progress;
-            return slot.isReady();
-        }
-    }
-    return true;
+void StreamServer::hurry() {
+    hurries_.fetch_add(1, std::memory_order_relaxed);
+    filled_.signal();
 }
 
-void StreamServer::serve() {
-    thread::mustBe(thread::disk);
-    const std::lock_guard inside(serving_);
+// Changes as long as the disk gets on: with our own read while there is one, else with those before us.
+std::uint64_t StreamServer::signOfLife() const {
+    constexpr std::uint64_t ours = std::uint64_t{1} << 63;
+    return gate_.isReading() ? ours | reads_.load(std::memory_order_relaxed) : DiskThread::reads();
+}
+
+bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot) {
+    // Given up before, and nothing was read for us since: one dead disk delays a bounce once, not at every
+    // buffer.
+    if (reads_.load(std::memory_order_relaxed) == stalledAt_) return false;
+    const double began = systemClock().nowMs();
+    double movedAt = began;
+    std::uint64_t seen = signOfLife();
+    while (!slot.isReady() && hurries_.load(std::memory_order_relaxed) == 0) {
+        filled_.wait(std::min(longestStepMs, static_cast<unsigned>(patience_.stallMs)));
+        const double now = systemClock().nowMs();
+        if (const std::uint64_t sign = signOfLife(); sign != seen) {
+            seen = sign;
+            movedAt = now;
+        }
+        if (now - movedAt > patience_.stallMs || now - began > patience_.longestMs) {
+            stalledAt_ = reads_.load(std::memory_order_relaxed);
+            break;
+        }
+    }
+    return slot.isReady();
+}
+
+void StreamServer::serviceStreams() {
+    StreamGate::Visit visit(gate_);
     int fills = 0;
-    while (!isPaused()) {
+    while (visit.isInside() && !gate_.isClosed()) {
         const std::uint64_t postsSeen = posts_.load(std::memory_order_relaxed);
         collectWaiting();
         if (waiting_.empty()) return;
@@ -102,16 +112,16 @@ void StreamServer::serve() {
                 diskEvent_.signal();
                 return;
             }
-            serveOne(waiting);
+            if (!serveOne(waiting, visit)) return;
             // What has just been asked for may be more urgent than the rest.
-            if (isPaused() || posts_.load(std::memory_order_relaxed) != postsSeen) break;
+            if (gate_.isClosed() || posts_.load(std::memory_order_relaxed) != postsSeen) break;
         }
     }
 }
 
 void StreamServer::collectWaiting() {
     waiting_.clear();
-    for (StreamRing& ring : rings_)
+    for (StreamRing& ring : buffers_->rings)
         for (int half = 0; half < 2; ++half) {
             Waiting waiting{&ring, half, 0, {}};
             if (ring.slot[half].take(waiting.refill, waiting.ticket)) waiting_.push_back(waiting);
@@ -120,32 +130,52 @@ void StreamServer::collectWaiting() {
               [](const Waiting& a, const Waiting& b) { return a.refill.dueMs < b.refill.dueMs; });
 }
 
-void StreamServer::serveOne(const Waiting& waiting) {
-    StreamBuffer& buffer = waiting.ring->buffer[waiting.half];
-    RefillSlot& slot = waiting.ring->slot[waiting.half];
+// False when this thread was left behind in the read: others work here now. So nothing is referred to during
+// the read that is not held here.
+bool StreamServer::serveOne(Waiting waiting, StreamGate::Visit& visit) {
+    const std::shared_ptr<Buffers> buffers = buffers_;
     ZZone& zone = *waiting.refill.zone;
-    const double began = systemClock().nowMs();
+    const std::shared_ptr<ZSoundFile> sound = zone.sound;
+    const StreamPoints points(zone.record, zone.lengthInFrames);
+    StreamBuffer& buffer = waiting.ring->buffer[waiting.half];
+    SampleMemory& staging = buffers->staging;
+    ChunkTarget chunk{staging.shorts(), buffer.frames(), zone.mono ? 1 : 2, buffer.isSixteenBit()};
+    if (!chunk.sixteenBit) chunk.frame0 = staging.floats();
 
-    ChunkTarget chunk{staging_.shorts(), buffer.frames(), zone.mono ? 1 : 2, buffer.isSixteenBit()};
-    if (!chunk.sixteenBit) chunk.frame0 = staging_.floats();
-    const ChunkResult result = fillChunk(zone, waiting.refill.frame, chunk, [&](std::size_t bytes) {
-        diskProgress.fetch_add(1, std::memory_order_relaxed);
-        bytesRead_.fetch_add(bytes, std::memory_order_relaxed);
-        return !isPaused() && slot.isCurrent(waiting.ticket);
-    });
-    if (result == ChunkResult::Abandoned) return;
+    const double began = systemClock().nowMs();
+    visit.beginRead();
+    const ChunkResult result = readChunk(waiting, *sound, points, chunk);
+    if (!visit.endRead()) return false;
+    if (result == ChunkResult::Abandoned) return true;
     if (result == ChunkResult::Filled) {
+        zone.lastAccessMs.store(systemClock().nowMs(), std::memory_order_relaxed);
         writeSeamBefore(chunk);
         writeSeamBehind(chunk);
         buffer.write(chunk);
     }
-    diskProgress.fetch_add(1, std::memory_order_relaxed);
+    countRead(0);
     // Without a file the voice goes on with what the buffer holds.
-    slot.complete(waiting.ticket);
+    waiting.ring->slot[waiting.half].complete(waiting.ticket);
     (result == ChunkResult::Filled ? refills_ : failedRefills_).fetch_add(1, std::memory_order_relaxed);
     readNs_.fetch_add(static_cast<std::uint64_t>((systemClock().nowMs() - began) * 1e6),
                       std::memory_order_relaxed);
     filled_.signal();
+    return true;
+}
+
+ChunkResult StreamServer::readChunk(const Waiting& waiting, ZSoundFile& sound, const StreamPoints& points,
+                                    const ChunkTarget& chunk) {
+    const RefillSlot& slot = waiting.ring->slot[waiting.half];
+    return fillChunk(sound, points, waiting.refill.frame, chunk, [&](std::size_t bytes) {
+        countRead(bytes);
+        return !gate_.isClosed() && slot.isCurrent(waiting.ticket);
+    });
+}
+
+void StreamServer::countRead(std::size_t bytes) {
+    DiskThread::countRead();
+    reads_.fetch_add(1, std::memory_order_relaxed);
+    bytesRead_.fetch_add(bytes, std::memory_order_relaxed);
 }
 
 StreamStats StreamServer::stats() const {

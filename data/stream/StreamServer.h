@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/Limits.h"
 #include "data/stream/RefillSlot.h"
 #include "data/stream/StreamBuffer.h"
+#include "data/stream/StreamGate.h"
 #include "data/stream/StreamStats.h"
+#include "data/stream/ZSEThreadClient.h"
 #include "platform/AutoResetEvent.h"
 
-#include <mutex>
+#include <memory>
 #include <vector>
 
 namespace zarno {
@@ -20,13 +23,17 @@ struct StreamRing {
 /// The meeting place of an instrument's streaming voices and the disk thread: holds the voices' buffers,
 /// fills those that were asked for, the most urgent first, and counts. No lock is ever taken by the audio
 /// thread.
-class StreamServer {
+///
+/// The disk thread shares the server, the buffers and the sound files that it uses: a read that the system
+/// does not give back is left behind with them, and finds them when it comes back.
+class StreamServer final : public ZSEThreadClient {
   public:
     /// How long an offline voice waits for a buffer: until the disk has read nothing for `stallMs`, and no
-    /// longer than `longestMs`.
+    /// longer than `longestMs`. How long a pause waits for a read to end.
     struct Patience {
-        double stallMs = 10000.0;
-        double longestMs = 120000.0;
+        double stallMs = limits::stalledDiskMs;
+        double longestMs = limits::offlineWaitMs;
+        double readMs = limits::hungReadMs;
     };
 
     /// `diskEvent` wakes the disk thread and outlives the server.
@@ -36,8 +43,8 @@ class StreamServer {
         : diskEvent_(diskEvent)
         , patience_(patience) {}
 
-    /// While one lives the disk thread is outside: no zone is read, no buffer written. Any thread but audio
-    /// and disk.
+    /// While one lives the disk thread is outside: no zone is looked at, no buffer written. Waits for a read
+    /// at hand, and leaves it behind when it takes too long. Any thread but audio and disk.
     class Pause {
       public:
         explicit Pause(StreamServer& server)
@@ -57,7 +64,10 @@ class StreamServer {
     /// [loading, paused] Buffers for as many voices; none may play on those held before. Throws
     /// std::bad_alloc.
     void allocate(int voices, std::int32_t chunkFrames, bool sixteenBit);
-    StreamRing& ring(int voice) { return rings_[static_cast<std::size_t>(voice)]; }
+    StreamRing& ring(int voice) { return buffers_->rings[static_cast<std::size_t>(voice)]; }
+    /// [loading, paused] The zones that were served until now are going. Those that come next need not wait
+    /// for a read that was left behind.
+    void zonesChange() { gate_.forgetVisitor(); }
 
     /// [audio] At the start of each block. Offline, voices wait for their buffers.
     void beginBlock(bool offline, double renderedMs);
@@ -70,14 +80,24 @@ class StreamServer {
     bool awaitBuffer(const RefillSlot& slot);
     void countLate() { lateRefills_.fetch_add(1, std::memory_order_relaxed); }
 
+    /// [any] From hurry to takeTime no voice waits; a wait at hand ends. For those who wait for the audio
+    /// thread meanwhile.
+    void hurry();
+    void takeTime() { hurries_.fetch_sub(1, std::memory_order_relaxed); }
+
     /// [disk] Serves what was asked for. Leaves early, with the event signalled, when other instruments ought
-    /// to have their turn.
-    void serve();
+    /// to have their turn. Does nothing while another disk thread is still here.
+    void serviceStreams() override;
 
     /// [any]
     StreamStats stats() const;
 
   private:
+    // Shared with the thread that reads into them.
+    struct Buffers {
+        std::vector<StreamRing> rings;
+        SampleMemory staging;
+    };
     struct Waiting {
         StreamRing* ring;
         int half;
@@ -85,28 +105,28 @@ class StreamServer {
         Refill refill;
     };
 
-    bool isPaused() const { return pauses_.load(std::memory_order_acquire) != 0; }
     void collectWaiting();
-    void serveOne(const Waiting& waiting);
+    bool serveOne(Waiting waiting, StreamGate::Visit& visit);
+    ChunkResult readChunk(const Waiting& waiting, ZSoundFile& sound, const StreamPoints& points,
+                          const ChunkTarget& chunk);
+    void countRead(std::size_t bytes);
     bool waitWhileDiskMoves(const RefillSlot& slot);
+    std::uint64_t signOfLife() const;
 
     AutoResetEvent& diskEvent_;
     const Patience patience_;
-    std::vector<StreamRing> rings_;
-
-    // Disk thread, inside serving_.
-    std::mutex serving_;
-    SampleMemory staging_;
-    std::vector<Waiting> waiting_;
-    std::atomic<int> pauses_{0};
+    StreamGate gate_;
+    std::shared_ptr<Buffers> buffers_ = std::make_shared<Buffers>();
+    std::vector<Waiting> waiting_; // of the disk thread inside
 
     // Audio thread.
     bool offline_ = false;
     double renderedMs_ = 0.0;
-    std::uint64_t stalledAt_ = ~std::uint64_t{0}; // the disk's progress when a wait was given up
+    std::uint64_t stalledAt_ = ~std::uint64_t{0}; // our reads when a wait was given up
     AutoResetEvent filled_;
 
-    std::atomic<std::uint64_t> posts_{0};
+    std::atomic<int> hurries_{0};
+    std::atomic<std::uint64_t> posts_{0}, reads_{0};
     std::atomic<int> voices_{0}, mostVoices_{0};
     std::atomic<std::uint64_t> refills_{0}, lateRefills_{0}, failedRefills_{0}, bytesRead_{0}, readNs_{0};
 };

@@ -3,7 +3,8 @@
 
 namespace zarno {
 
-/// What the disk thread reaches an instrument through.
+/// What the disk thread reaches an instrument through. It is shared with that thread, so that a read that
+/// never returns finds it there whatever has become of the instrument.
 class ZSEThreadClient {
   public:
     /// Disk thread: serves what the voices have asked for. Called each time the disk event fires, for every
