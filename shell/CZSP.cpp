@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/CZSP.h"
 
+#include "data/Limits.h"
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
+#include "platform/Patience.h"
 #include "platform/ThreadRole.h"
 #include "shell/SampleSearch.h"
 #include "shell/UserFolders.h"
@@ -17,6 +19,15 @@ juce::String fromUtf8(const std::string& text) {
     return juce::String::fromUTF8(text.data(), (int) text.size());
 }
 
+// Empty when the file system does not answer: the host goes on without it.
+Library scanLibrary() {
+    const auto library = std::make_shared<Library>();
+    const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
+    const bool answers = doWithPatience(
+        limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
+    return answers ? std::move(*library) : Library();
+}
+
 } // namespace
 
 CZSP::CZSP()
@@ -24,7 +35,7 @@ CZSP::CZSP()
     , Thread("ZSP Loading Thread")
     , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
-    library_ = Library::scan({libraryFolderBeside(modulePath()), userLibraryFolder()});
+    library_ = scanLibrary();
     auto lookAndFeel = std::make_unique<CLookAndFeel>();
     lookAndFeel->install();
     lookAndFeel_ = std::move(lookAndFeel);

@@ -1,10 +1,22 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How CZSP saves and restores what a host keeps in its project.
+#include "data/Limits.h"
 #include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "shell/CZSP.h"
 #include "shell/HostChunk.h"
 
 namespace zarno {
+namespace {
+
+// A file system that does not answer counts as one that does not have the file.
+bool isThere(const std::string& path) {
+    const auto found = std::make_shared<bool>(false);
+    return doWithPatience(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
+           *found;
+}
+
+} // namespace
 
 void CZSP::getStateInformation(juce::MemoryBlock& chunk) {
     std::vector<std::uint8_t> bytes;
@@ -32,7 +44,7 @@ void CZSP::setStateInformation(const void* data, int size) {
     auto [path, tail] = splitChunk(chunk);
     if (path.empty()) return;
     // A library that has moved: the instrument of the same file name stands in.
-    if (const int found = library_.indexOfFileName(path); found >= 0 && !isRegularFile(path))
+    if (const int found = library_.indexOfFileName(path); found >= 0 && !isThere(path))
         path = library_.entries[static_cast<std::size_t>(found)].path;
     {
         const juce::ScopedLock hold(lock_);
@@ -56,6 +68,7 @@ void CZSP::applyPendingState() {
     const juce::ScopedLock holdContents(contentsLock_);
     const auto state = decodeTail(pending, engine_.groups().size());
     // Only copies from here on: what derives from them is computed by the next render.
+    const ZInstrument::Hurry hurry(engine_); // a bounce that waits for the disk holds the callback lock
     const juce::ScopedLock holdCallback(getCallbackLock());
     if (state.settings) takeRestoredFields(engine_.settings(), *state.settings);
     if (state.settings) engine_.requestApplySettings();

@@ -25,7 +25,8 @@ struct Found {
 };
 
 // Links are followed, but not those behind a link: so a circle of them ends.
-void collect(const std::string& folder, int level, bool behindLink, Found& found) {
+void collect(const std::string& folder, int level, bool behindLink, Found& found, const SignOfLife& alive) {
+    alive();
     std::vector<FolderEntry> deeper;
     for (FolderEntry& entry : listFolder(folder)) {
         if (entry.isFile && hasExtension(entry.name, ".zse"))
@@ -36,17 +37,19 @@ void collect(const std::string& folder, int level, bool behindLink, Found& found
     }
     if (level == limits::libraryDepth) return;
     for (const FolderEntry& entry : deeper)
-        collect(joinPath(folder, entry.name), level + 1, behindLink || entry.isLink, found);
+        collect(joinPath(folder, entry.name), level + 1, behindLink || entry.isLink, found, alive);
 }
 
 // Headers of cold files come one by one from all over the disk, so it is told of the next ones early.
-void addTitled(const std::vector<std::string>& paths, std::vector<Library::Entry>& entries) {
+void addTitled(const std::vector<std::string>& paths, std::vector<Library::Entry>& entries,
+               const SignOfLife& alive) {
     ReadAhead ahead;
     for (const std::string& path : paths)
         ahead.add(path, 0, headerPeekBytes);
     for (std::size_t i = 0; i < paths.size(); ++i) {
         ahead.reach(i);
         const auto names = peekHeader(paths[i]);
+        alive();
         if (names && !names->name.empty() && !names->title.empty())
             entries.push_back({paths[i], names->name});
     }
@@ -60,14 +63,14 @@ int firstIndex(const std::vector<Library::Entry>& entries, Matches matches) {
 
 } // namespace
 
-Library Library::scan(const std::vector<std::string>& folders) {
+Library Library::scan(const std::vector<std::string>& folders, const SignOfLife& alive) {
     Found found;
     for (const std::string& path : folders)
         for (const std::string& folder : searchPathFolders(path))
-            collect(folder, 0, false, found);
+            collect(folder, 0, false, found, alive);
     Library library;
-    addTitled(found.zse, library.entries);
-    addTitled(found.zs2, library.entries);
+    addTitled(found.zse, library.entries, alive);
+    addTitled(found.zs2, library.entries, alive);
     return library;
 }
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "platform/Patience.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,11 +17,13 @@ struct Library {
     };
     std::vector<Entry> entries;
 
-    /// Reads the names of every instrument below `folders`, each a search path: all "*.zse" of all folders first, then all
+    /// Reads the names of every instrument below `folders`, each a search path: all "*.zse" of all folders
+    /// first, then all
     /// "*.zs2". Within that, folder by folder and name by name, what lies in a folder before what lies
     /// deeper. A file that is no instrument, or has no name or title, is left out. Reads the file headers and
-    /// nothing else.
-    static Library scan(const std::vector<std::string>& folders);
+    /// nothing else. `alive` is called whenever a folder or a file has answered.
+    static Library scan(
+        const std::vector<std::string>& folders, const SignOfLife& alive = [] {});
 
     /// -1 when no entry has this very path.
     int indexOf(std::string_view path) const;

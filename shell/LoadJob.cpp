@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/LoadJob.h"
 
+#include "data/Limits.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
 #include "platform/ThreadRole.h"
 
-#include <chrono>
 #include <cstring>
 
 namespace zarno {
@@ -30,6 +30,7 @@ void LoadJob::read() {
     options.enteredText = request_.licenceText;
     options.delegate = this;
     options.opened = [this] { waitForPermission(); };
+    options.alive = [this] { goOn(); };
     result_ = readInstrument(contents_, request_.path, options);
     const std::lock_guard hold(lock_);
     state_ = State::Finished;
@@ -48,7 +49,21 @@ LoadJob::State LoadJob::wait(unsigned timeoutMs) {
     std::unique_lock hold(lock_);
     changed_.wait_for(hold, std::chrono::milliseconds(timeoutMs),
                       [this] { return state_ != State::Reading; });
+    const std::uint64_t signs = signsOfLife_.load(std::memory_order_relaxed);
+    if (state_ != State::Reading || signs != signsSeen_) aliveAt_ = std::chrono::steady_clock::now();
+    signsSeen_ = signs;
     return state_;
+}
+
+bool LoadJob::hangs() const {
+    const std::chrono::duration<double, std::milli> silence = std::chrono::steady_clock::now() - aliveAt_;
+    return silence.count() > limits::stalledDiskMs;
+}
+
+// Asked wherever the system has answered.
+bool LoadJob::goOn() {
+    signsOfLife_.fetch_add(1, std::memory_order_relaxed);
+    return !cancelled_.load(std::memory_order_relaxed);
 }
 
 void LoadJob::proceed() {

@@ -7,6 +7,7 @@
 #include "platform/WorkerThread.h"
 #include "shell/SampleSearch.h"
 
+#include <chrono>
 #include <condition_variable>
 #include <memory>
 #include <mutex>
@@ -45,6 +46,8 @@ class LoadJob final : private ZSEDelegate {
     /// The reader gives up at its next look.
     void cancel();
     float progress() const { return progress_.load(std::memory_order_relaxed); }
+    /// For who calls wait: it has found the reader in the same read for limits::stalledDiskMs.
+    bool hangs() const;
 
     /// In state Finished: waits for the thread's end. Then result and contents are the caller's.
     void join() { thread_.join(); }
@@ -61,7 +64,7 @@ class LoadJob final : private ZSEDelegate {
     void read();
     void waitForPermission();
     std::string ask(const std::string& missingPath);
-    bool goOn() const { return !cancelled_.load(std::memory_order_relaxed); }
+    bool goOn();
 
     bool loadProgress(float fraction, const char* groupName, const char* sampleName) override;
     void groupsChanged() override {}
@@ -75,6 +78,9 @@ class LoadJob final : private ZSEDelegate {
     InstrumentContents contents_;
     std::atomic<float> progress_{-1.0f};
     std::atomic<bool> cancelled_{false};
+    std::atomic<std::uint64_t> signsOfLife_{0};
+    std::uint64_t signsSeen_ = 0; // this and the next of who calls wait
+    std::chrono::steady_clock::time_point aliveAt_ = std::chrono::steady_clock::now();
     std::mutex lock_;
     std::condition_variable changed_;
     State state_ = State::Reading; // this and the next two are guarded by lock_

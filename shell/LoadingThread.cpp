@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // How CZSP changes its instrument: the choice, the thread, the load, its end.
+#include "data/Limits.h"
 #include "platform/MessageBox.h"
+#include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "platform/ThreadRole.h"
 #include "shell/CZSP.h"
 #include "shell/FolderQuestion.h"
@@ -101,7 +104,8 @@ void CZSP::loadAgain() {
     if (!isLoading() && lastLoadSucceeded()) {
         juce::MemoryBlock chunk;
         getStateInformation(chunk);
-        const auto tail = splitChunk({static_cast<const std::uint8_t*>(chunk.getData()), chunk.getSize()}).tail;
+        const auto tail =
+            splitChunk({static_cast<const std::uint8_t*>(chunk.getData()), chunk.getSize()}).tail;
         const juce::ScopedLock hold(lock_);
         pendingState_.assign(tail.begin(), tail.end());
     }
@@ -115,7 +119,10 @@ void CZSP::run() {
 
 void CZSP::load(bool inBackground) {
     const juce::String path = currentPath();
-    suspendProcessing(true);
+    {
+        const ZInstrument::Hurry hurry(engine_); // a bounce that waits for the disk holds the callback lock
+        suspendProcessing(true);
+    }
     const thread::Acts asLoading(thread::loading);
     engine_.setLoading(true);
     const LoadResult result = readAndTakeOver(path, inBackground);
@@ -155,7 +162,9 @@ LoadResult CZSP::readAndTakeOver(const juce::String& path, bool inBackground) {
             job->cancel();
             cancelledAt = Clock::now();
         }
-        if (cancelledAt != Clock::time_point::max() && Clock::now() - cancelledAt > readerPatience) {
+        const bool isLate =
+            cancelledAt != Clock::time_point::max() && Clock::now() - cancelledAt > readerPatience;
+        if (isLate || job->hangs()) {
             LoadJob::abandon(std::move(job));
             return {};
         }
@@ -188,9 +197,13 @@ void CZSP::discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question) {
     job.answer(*answer);
 }
 
+// One that does not answer would hang the dialog that starts in it.
 juce::File CZSP::missingFolder() const {
     const auto folder = settings_.get(settingKey::missingFolder);
-    return juce::File::isAbsolutePath(folder) ? juce::File(folder) : defaultSampleFolder();
+    const bool answers = juce::File::isAbsolutePath(folder) &&
+                         doWithPatience(limits::hungReadMs,
+                                        [path = folder.toStdString()](const SignOfLife&) { isFolder(path); });
+    return answers ? juce::File(folder) : defaultSampleFolder();
 }
 
 // The two flags change together, so that no request falls into a gap at the end.

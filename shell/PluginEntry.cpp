@@ -114,10 +114,16 @@ Vst2::VstIntPtr callWrapper(OpenEffect& open, Vst2::AEffect* effect, const HostC
     return open.wrapper(effect, call.opcode, call.index, call.value, call.pointer, call.option);
 }
 
+// A bounce that waits for the disk is not waited for.
+void closeGate(OpenEffect& open) {
+    const ZInstrument::Hurry hurry(open.processor.engine());
+    open.gate.close();
+}
+
 // What the wrapper does while nobody may be processing.
 Vst2::VstIntPtr callWithClosedGate(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
     const bool wasClosed = open.gate.isClosed();
-    open.gate.close();
+    closeGate(open);
     if (call.opcode == Vst2::effSetBlockSize) open.gate.reserve(static_cast<int>(call.value));
     const auto result = callWrapper(open, effect, call);
     const bool stays = call.opcode == Vst2::effMainsChanged ? call.value == 0 : wasClosed;
@@ -128,7 +134,7 @@ Vst2::VstIntPtr callWithClosedGate(OpenEffect& open, Vst2::AEffect* effect, cons
 Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
     const auto open = effects().remove(effect);
     if (open == nullptr) return 0;
-    open->gate.close();
+    closeGate(*open);
     return callWrapper(*open, effect, call);
 }
 

@@ -21,9 +21,10 @@ std::string quoted(const StoredText& text) {
 // Reads the fields in file order. Each function returns false when reading has to stop.
 class Parser {
   public:
-    Parser(Bytes& in, InstrumentFile& out)
+    Parser(Bytes& in, InstrumentFile& out, const std::function<void()>& alive = {})
         : in_(in)
-        , out_(out) {}
+        , out_(out)
+        , alive_(alive) {}
 
     Refusal head();
     void body();
@@ -48,6 +49,7 @@ class Parser {
 
     Bytes& in_;
     InstrumentFile& out_;
+    const std::function<void()> alive_;
     std::unordered_map<std::string, std::size_t> blockOf_;
 };
 
@@ -129,6 +131,7 @@ bool Parser::group(std::size_t number) {
 }
 
 bool Parser::zone(GroupEntry& group, std::size_t number) {
+    if (alive_) alive_();
     ZoneEntry entry;
     const std::string where =
         "zone " + std::to_string(number) + " of group " + std::to_string(out_.groups.size());
@@ -162,10 +165,10 @@ bool Parser::sampleBlock(ZoneEntry& zone) {
 
 } // namespace
 
-InstrumentFile::Refusal InstrumentFile::parse(Bytes& bytes) {
+InstrumentFile::Refusal InstrumentFile::parse(Bytes& bytes, const std::function<void()>& alive) {
     *this = InstrumentFile();
     fileSize = bytes.size();
-    Parser parser(bytes, *this);
+    Parser parser(bytes, *this, alive);
     const Refusal refusal = parser.head();
     if (refusal == Refusal::None) parser.body();
     endOffset = bytes.position();

@@ -6,6 +6,7 @@
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "engine/Records.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -82,8 +83,8 @@ struct InstrumentFile {
     bool isEmbedded() const { return storage != format::External; }
 
     /// Reads the structure. Reading stops where the file ends: what is only promised there is not made. What
-    /// was read before a refusal is kept. May throw std::bad_alloc.
-    Refusal parse(Bytes& bytes);
+    /// was read before a refusal is kept. `alive` is called at every zone. May throw std::bad_alloc.
+    Refusal parse(Bytes& bytes, const std::function<void()>& alive = {});
 };
 
 /// One sentence for people.

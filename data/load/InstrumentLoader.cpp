@@ -91,7 +91,7 @@ bool Load::readFile() {
     result_.opened = true;
     if (options_.opened) options_.opened();
     Bytes bytes(*file_);
-    const InstrumentFile::Refusal refusal = contents_.parse(bytes);
+    const InstrumentFile::Refusal refusal = contents_.parse(bytes, options_.alive);
     if (!contents_.isEmbedded()) file_.reset();
     return refusal == InstrumentFile::Refusal::None || fail(describe(refusal));
 }
@@ -254,7 +254,7 @@ LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, cons
                           LicenceCheck& licence) {
     const BusyMark busy(instrument);
     InstrumentContents contents;
-    LoadOptions options{enteredText, &licence, instrument.delegate(), [&] { instrument.clear(); }};
+    LoadOptions options{enteredText, &licence, instrument.delegate(), [&] { instrument.clear(); }, {}};
     LoadResult result = readInstrument(contents, path, options);
     if (result.opened) takeOver(instrument, contents, result);
     return result;

@@ -29,6 +29,7 @@ struct LoadOptions {
     LicenceCheck* licence = nullptr; ///< none: every licence is allowed
     ZSEDelegate* delegate = nullptr; ///< hears of progress, may cancel, is asked for missing samples
     std::function<void()> opened;    ///< called once the file is open, before anything else is read
+    std::function<void()> alive;     ///< called now and then until the delegate is: the file answers
 };
 
 /// Reads the instrument file at `path` (native form, UTF-8) into `contents`, which is to be fresh. A file

@@ -2,7 +2,10 @@
 // A share that has vanished: the system does not give a read back. This program's own pread stands before the
 // library's for the module too, and keeps readers of one file as long as a test wants.
 #ifndef _WIN32
+#include "data/Limits.h"
 #include "tests/host/HostRig.h"
+#include "tests/support/Gate.h"
+#include "tests/support/ThreadNames.h"
 #include "tests/support/WaveBuilder.h"
 
 #include <atomic>
@@ -45,51 +48,103 @@ bool isMapped(const std::string& module) {
     return text.find(module) != std::string::npos;
 }
 
-int readerThreads() {
-    int count = 0;
-    for (const auto& task : std::filesystem::directory_iterator("/proc/self/task")) {
-        std::string name;
-        std::getline(std::ifstream(task.path() / "comm") >> std::ws, name);
-        count += name == "ZSP Reader" ? 1 : 0;
+// "hung.wav" on a share that vanishes when a test says so.
+class HungReads : public testing::Test {
+  protected:
+    HungReads() {
+        rig.addInstrument("a small.zse", levelInstrument("Small").bytes());
+        InstrumentBuilder builder = levelInstrument("Hung");
+        builder.storage = 0;
+        builder.settings.streaming = builder.settings.streamingStored = 1;
+        builder.settings.streamBufferFrames = builder.settings.streamBufferFramesStored = 256;
+        builder.groups[0].zones = {zone("hung.wav")};
+        rig.addInstrument("hung.wav", rampWave(20000));
+        rig.addInstrument("b hung.zse", builder.bytes());
     }
-    return count;
-}
+    ~HungReads() override {
+        hangs = false;
+        EXPECT_TRUE(comesTrue([] { return hanging == 0 && threadsNamed("ZSP Reader") == 0; }));
+        EXPECT_TRUE(comesTrue([] { return threadsNamed("ZSE Disk Thread") == 0; }));
+        const auto plugin = rig.loadActive();
+        EXPECT_TRUE(plugin && firstSound(render(*plugin, 512, {{5, noteOn(60)}}).left) == 5);
+    }
+    // How long it took, in seconds.
+    double timed(const char* what, const std::function<void()>& act) {
+        const auto begin = Clock::now();
+        act();
+        const std::chrono::duration<double> took = Clock::now() - begin;
+        std::printf("with a hung read, %s: %.2f s\n", what, took.count());
+        return took.count();
+    }
 
-template <typename Condition>
-bool comesTrue(Condition condition) {
-    const auto end = Clock::now() + std::chrono::seconds(20);
-    while (!condition() && Clock::now() < end)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    return condition();
-}
-
-TEST(HungReads, TheInstanceClosesAndTheModuleStaysUntilTheyReturn) {
     HostRig rig;
-    rig.addInstrument("a small.zse", levelInstrument("Small").bytes());
-    InstrumentBuilder builder = levelInstrument("Hung");
-    builder.storage = 0;
-    builder.groups[0].zones = {zone("hung.wav")};
-    rig.addInstrument("hung.wav", rampWave(1000));
-    rig.addInstrument("b hung.zse", builder.bytes());
+};
+
+TEST_F(HungReads, TheInstanceClosesAndTheModuleStaysUntilTheyReturn) {
     for (int round = 1; round <= 3; ++round) {
         auto plugin = rig.load();
         ASSERT_TRUE(plugin);
         hangs = true;
         plugin->selectProgram(1);
         ASSERT_TRUE(comesTrue([&] { return hanging == round; }));
-        const auto begin = Clock::now();
-        plugin.reset();
-        const std::chrono::duration<double> took = Clock::now() - begin;
-        std::printf("closed with a hung read in %.2f s\n", took.count());
-        EXPECT_LT(took.count(), 10.0) << "a hang, even on a machine under load";
-        EXPECT_EQ(readerThreads(), round);
+        EXPECT_LT(timed("closing during the load", [&] { plugin.reset(); }), 10.0);
+        EXPECT_EQ(threadsNamed("ZSP Reader"), round);
         ASSERT_TRUE(isMapped(rig.modulePath()));
     }
-    hangs = false;
-    EXPECT_TRUE(comesTrue([] { return readerThreads() == 0; }));
+}
+
+// What a host asks while the disk thread hangs: nothing takes longer than the patience with one read, and a
+// margin for a machine under load. Not even while the audio thread of a bounce waits for that read.
+TEST_F(HungReads, OfTheDiskThreadHoldUpNoHost) {
+    using Plugin = std::unique_ptr<HostedPlugin>;
+    std::vector<std::uint8_t> smallState;
+    struct Act {
+        const char* what;
+        bool bounces;
+        std::function<void(Plugin&)> act;
+    };
+    const Act acts[] = {
+        {"restoring another state", true, [&](Plugin& plugin) { plugin->restore(smallState); }},
+        {"another rate", true, [](Plugin& plugin) { plugin->activate(96000.0, 512); }},
+        {"another instrument", false,
+         [](Plugin& plugin) {
+             plugin->selectProgram(0);
+             EXPECT_TRUE(plugin->waitForLoading(20.0));
+         }},
+        {"saving", false, [](Plugin& plugin) { EXPECT_GT(plugin->chunk().size(), 600u); }},
+        {"closing", false, [](Plugin& plugin) { plugin.reset(); }},
+    };
+    for (const Act& act : acts) {
+        auto plugin = rig.loadActive();
+        ASSERT_TRUE(plugin);
+        smallState = plugin->chunk();
+        plugin->selectProgram(1);
+        ASSERT_TRUE(plugin->waitForLoading(20.0));
+        hangs = true;
+        plugin->setOffline(act.bounces);
+        std::thread audio([&] { render(*plugin, 2048, {{0, noteOn(60)}}); });
+        EXPECT_TRUE(comesTrue([&] { return hanging == 1; }));
+        if (!act.bounces) audio.join();
+        EXPECT_LT(timed(act.what, [&] { act.act(plugin); }), limits::hungReadMs / 1000.0 + 5.0);
+        if (act.bounces) audio.join();
+        EXPECT_LT(timed("closing", [&] { plugin.reset(); }), limits::hungReadMs / 1000.0 + 5.0);
+        EXPECT_TRUE(isMapped(rig.modulePath()));
+        hangs = false;
+        ASSERT_TRUE(comesTrue([] { return threadsNamed("ZSE Disk Thread") == 0; }));
+    }
+}
+
+// The message thread of a host that opens a project waits for its instrument.
+TEST_F(HungReads, OfALoadThatTheHostWaitsForEndIt) {
     const auto plugin = rig.loadActive();
     ASSERT_TRUE(plugin);
-    EXPECT_EQ(firstSound(render(*plugin, 512, {{5, noteOn(60)}}).left), 5);
+    plugin->selectProgram(1);
+    ASSERT_TRUE(plugin->waitForLoading(20.0));
+    const auto state = plugin->chunk();
+    hangs = true;
+    EXPECT_LT(timed("restoring its state", [&] { plugin->restore(state); }),
+              limits::stalledDiskMs / 1000.0 + 5.0);
+    EXPECT_EQ(plugin->chunk(), state) << "nothing of the project is lost";
 }
 
 } // namespace
