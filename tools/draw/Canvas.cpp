@@ -4,6 +4,7 @@
 #include "platform/Utf8.h"
 
 #include <cairo.h>
+#include <fontconfig/fontconfig.h>
 
 #include <algorithm>
 #include <cmath>
@@ -160,6 +161,11 @@ std::vector<std::uint8_t> Canvas::png() const {
         },
         &bytes);
     return bytes;
+}
+
+FontsInUse::~FontsInUse() {
+    cairo_debug_reset_static_data(); // first: it holds patterns of the other
+    FcFini();
 }
 
 } // namespace zarno

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/Arguments.h"
+#ifdef ZARNO_HAS_DRAWING
+#include "tools/draw/Canvas.h"
+#endif
 #include "tools/zarno/Commands.h"
 
 #include <CLI/CLI.hpp>
@@ -39,6 +42,9 @@ int main(int argc, char** argv) {
     for (const auto add : commands)
         add(program);
 
+#ifdef ZARNO_HAS_DRAWING
+    const zarno::FontsInUse fonts;
+#endif
     auto arguments = zarno::utf8Arguments(argc, argv);
     arguments.erase(arguments.begin());
     std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
