@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/Limits.h"
 #include "tests/support/ImportedSound.h"
 #include "tools/zarno/MakerError.h"
 
@@ -294,12 +295,16 @@ TEST_F(ImportSfz, RefusesWhatIsNone) {
             all += text;
         return all;
     };
+    std::filesystem::resize_file(folder.write("much.txt", ""), limits::importedTextBytes);
     const std::pair<std::string, const char*> cases[] = {
         {"", "nothing in it"},
         {"<region>sample=none.wav", "nothing in it"},
         {"#include \"x.sfz\"", "include each other"},
         {repeated("x", 100000), "line is too long"},
         {"#define $A " + repeated("x", 6000) + "\n" + repeated("$A", 12), "line is too long"},
+        {"#define $A " + repeated("x", 60000) + repeated("\n$A", 1200),
+         "with all its definitions is too long"},
+        {"#include \"much.txt\"", "with all it includes is too long"},
         {"<global>sample=a.wav pitch_keytrack=50" + repeated("\n<region>", 2049), "too many zones"},
         {"<global>sample=a.wav\n" + repeated("<region>\n", 262145), "too many regions"}};
     for (const auto& [text, why] : cases)

@@ -4,6 +4,7 @@
 #include "platform/DenormalGuard.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "platform/WorkerThread.h"
 
 #include <gtest/gtest.h>
@@ -84,6 +85,22 @@ TEST(PlatformClock, RunsForward) {
         ASSERT_GE(now, last);
         last = now;
     }
+}
+
+TEST(PlatformPatience, IsWithWhatGivesSignsOfLifeAndNoOther) {
+    const auto later = std::make_shared<AutoResetEvent>(), ended = std::make_shared<AutoResetEvent>();
+    EXPECT_FALSE(doWithPatience(50.0, [=](const SignOfLife&) {
+        later->wait();
+        ended->signal();
+    }));
+    later->signal();
+    EXPECT_TRUE(ended->wait(20000)) << "it comes back, and harms nobody";
+    int steps = 0;
+    EXPECT_TRUE(doWithPatience(10000.0, [&](const SignOfLife& alive) {
+        for (; steps < 5; ++steps, alive())
+            later->wait(10);
+    }));
+    EXPECT_EQ(steps, 5);
 }
 
 TEST(PlatformModule, IsThisProgram) {

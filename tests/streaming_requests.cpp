@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // What a streaming voice asks the disk thread for, and what a chunk holds. Here the test is the disk thread.
 #include "data/stream/ZDSVoice.h"
+#include "engine/VoiceRenderer.h"
 #include "tests/support/MemorySound.h"
 #include "tests/support/TestInstrument.h"
 
@@ -159,6 +160,54 @@ TEST_F(StreamRequests, OfAShortLoopStartInsideIt) {
     EXPECT_EQ(requests[1][2], 500 + (4096 - (1000 - behindPreload)) % 500);
     EXPECT_FALSE(play(200000).empty()) << "a loop does not end by position";
     EXPECT_TRUE(voices[0]->isPlaying());
+}
+
+// For more than a day at the sample's own pitch, past what 32 bits count: each buffer holds the numbers of
+// its frames, so that what is heard is the position.
+TEST_F(StreamRequests, AreExactForAsLongAsALoopIsHeld) {
+    constexpr std::int64_t length = 65536, increment = 4096, loopStart = 500, period = 1009;
+    settings.streamBufferFrames = length;
+    settings.polyphony = 1;
+    voices = makeVoices(settings, context, server);
+    zone = streamingZone(counting(100000), length);
+    zone->record.loopMode = 2;
+    zone->record.loopStart = loopStart;
+    zone->record.loopEnd = loopStart + period;
+    zone->record.fixedPitch = 1;
+    zone->fileSampleRate = 44100.0 * increment;
+    const TestSample numbers = TestSample::made(
+        length, 1, false, 44100.0, [](std::uint64_t n, int) { return static_cast<double>(n) / length; });
+    for (StreamBuffer& buffer : server.ring(0).buffer)
+        buffer.write({numbers.memory->floats(), length, 1, false});
+    start();
+
+    Modulation modulation(settings, context);
+    VoiceRenderer renderer(modulation);
+    VoicePool pool;
+    pool.fill(std::move(voices));
+    ModulationSegment segment;
+    std::int64_t wanted = loopStart + (length - (loopStart + period) - 1) % (period + 1);
+    float gain = 0.0f;
+    for (std::int64_t position = 0; position < std::int64_t{1} << 33;) {
+        constexpr int frames = length / increment;
+        float left[frames] = {}, right[frames] = {};
+        modulation.fill(segment, frames);
+        renderer.render(pool, segment, left, right);
+        if (position == length) gain = left[frames / 2] * 2;
+        for (int i = 0; i < frames && position >= length; ++i)
+            ASSERT_EQ(left[i], gain * static_cast<float>(i * increment) / length) << "from " << position;
+        position += length;
+        for (RefillSlot& slot : server.ring(0).slot) {
+            Refill refill;
+            RefillSlot::Ticket ticket;
+            if (!slot.take(refill, ticket)) continue;
+            ASSERT_EQ(static_cast<std::int64_t>(refill.frame), wanted) << "at " << position;
+            wanted = loopStart + (wanted - loopStart + length) % period;
+            slot.complete(ticket);
+        }
+    }
+    EXPECT_GT(gain, 0.1f);
+    EXPECT_LE(server.stats().lateRefills, 1u);
 }
 
 TEST(StreamChunks, UnrollTheLoop) {
