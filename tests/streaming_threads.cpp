@@ -27,10 +27,12 @@ class Streaming {
         makeZones();
         makeStreaming(played_, chunk);
         for (const auto& zone : played_.engine.groups()[0]->zones())
-            static_cast<MemorySound&>(*zone->sound).onRead = [disk = Chance(seed),
-                                                              slowestMs](std::uint64_t) mutable {
+            static_cast<MemorySound&>(*zone->sound).onRead = [disk = Chance(seed), slowestMs,
+                                                              this](std::uint64_t) mutable {
+                reading = true;
                 if (slowestMs > 0)
                     std::this_thread::sleep_for(std::chrono::milliseconds(disk.between(0, slowestMs)));
+                reading = false;
             };
     }
 
@@ -42,6 +44,8 @@ class Streaming {
         }
     }
     ZInstrument& engine() { return played_.engine; }
+
+    std::atomic<bool> reading{false};
 
   private:
     void makeZones() {
@@ -119,6 +123,17 @@ TEST(StreamingThreads, LoadOverPlayingNotesWhileOthersStream) {
     EXPECT_EQ(instrument.streamStats().voices, 0);
     for (std::thread& player : players)
         player.join();
+}
+
+TEST(StreamingThreads, ALoadBeginsWhenTheDiskThreadIsOutside) {
+    Streaming streaming(5);
+    for (int i = 0; i < 20; ++i) {
+        while (!streaming.reading)
+            streaming.play(1);
+        streaming.engine().setLoading(true);
+        EXPECT_FALSE(streaming.reading);
+        streaming.engine().setLoading(false);
+    }
 }
 
 TEST(StreamingThreads, ComeAndGoWithTheirInstruments) {

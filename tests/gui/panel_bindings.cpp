@@ -2,6 +2,7 @@
 #include "engine/EngineEvent.h"
 #include "engine/ZInstrument.h"
 #include "gui/GroupSelection.h"
+#include "gui/KeyRoles.h"
 #include "gui/PanelEdits.h"
 
 #include <gmock/gmock.h>
@@ -53,6 +54,28 @@ class PanelBindings : public testing::Test {
     ZInstrument engine;
     std::vector<int> selection{0, 2};
 };
+
+TEST_F(PanelBindings, KeysHaveTheRolesThatTheGroupsGiveThem) {
+    const auto rolesAt = [&] {
+        std::string text;
+        for (const int key : {9, 10, 19, 20, 30, 50, 24})
+            text += "-pka"[static_cast<int>(keyRolesOf(engine)[static_cast<std::size_t>(key)])];
+        return text;
+    };
+    EXPECT_EQ(rolesAt(), "ppppppp") << "nothing is known of the keys without zones";
+    for (int i = 0; i < 3; ++i) { // keys 10 to 19, 30 to 39, 50 to 59
+        auto zone = std::make_unique<ZZone>();
+        zone->record.lowKey = 10 + 20 * i, zone->record.highKey = 29 + 20 * i;
+        group(i).highKey = 19 + 20 * i;
+        engine.groups()[static_cast<std::size_t>(i)]->addZone(std::move(zone));
+    }
+    EXPECT_EQ(rolesAt(), "-pp-pp-");
+    group(1).releaseTrigger = 1, group(2).excluded = 1;
+    group(0).trigger = static_cast<int>(GroupTrigger::Note), group(0).keyswitchNote = 24;
+    EXPECT_EQ(rolesAt(), "-pp---k") << "no key plays a release sample";
+    engine.activateGroup(engine.groups()[0].get());
+    EXPECT_EQ(rolesAt(), "-pp---a");
+}
 
 TEST_F(PanelBindings, EachInstrumentKnobWritesItsFieldAndNothingElse) {
     struct Row {

@@ -157,6 +157,28 @@ TEST_F(HostHabits, ProcessingStopsAndGoesOnAsTheHostSays) {
     EXPECT_GE(firstSound(render(*plugin, 4096, {{0, noteOn(60, 127)}}).left), 0);
 }
 
+TEST_F(HostHabits, TurningOffWaitsForTheBlockThatIsBeingPlayed) {
+    const auto plugin = fresh();
+    for (bool wasInside = false; !wasInside;) {
+        plugin->activate();
+        plugin->send({{1'990'000, noteOn(60, 127)}});
+        std::vector<float> left(2'000'000), right = left;
+        std::atomic<bool> begun{false};
+        std::thread audio([&] {
+            begun = true;
+            plugin->process(left.data(), right.data(), static_cast<int>(left.size()));
+        });
+        while (!begun)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        plugin->call(Vst2::effMainsChanged, 0, 0);
+        const float atTheEnd = std::atomic_ref(left.back());
+        audio.join();
+        wasInside = left.back() != 0.0f; // else it came too late, and gave silence
+        EXPECT_EQ(atTheEnd, left.back());
+    }
+}
+
 TEST_F(HostHabits, ARateThatChangesInMidNoteKeepsTheNoteFiniteAndPlaying) {
     const auto plugin = fresh();
     for (const int rate : {96000, 44100, 8000, 384000, 22050}) {
