@@ -95,7 +95,8 @@ TEST_F(SoundFonts, GeneratorsOfPresetAndInstrumentAddUpWhereTheyMay) {
 
 TEST_F(SoundFonts, FixedKeysVelocitiesAndEnvelopesBecomeWhatTheEngineHas) {
     const auto drum = zone({{G::ScaleTuning, 0}, {G::FineTune, 50}});
-    EXPECT_EQ(std::tuple(drum.keyTracking, drum.tune), std::tuple(0.0, 55.0));
+    EXPECT_EQ(std::tuple(drum.keyTracking, drum.tune),
+              std::tuple(0.0, 50.0)); // the correction follows the scale
     const auto fixed = zone({{G::FixedKey, 72}, {G::FixedVelocity, 64}});
     EXPECT_EQ(std::tuple(fixed.keyTracking, fixed.tune, fixed.velocityTracking),
               std::tuple(0.0, 1205.0, 0.0));
@@ -108,8 +109,17 @@ TEST_F(SoundFonts, FixedKeysVelocitiesAndEnvelopesBecomeWhatTheEngineHas) {
 
     const auto swept = zone({{G::ModEnvToPitch, 200}, {G::ModEnvSustain, 500}, {G::FilterCutoff, 8000}});
     EXPECT_EQ(swept.tune, 105);
-    EXPECT_EQ(report.count("pitch envelope"), 1u);
-    EXPECT_EQ(report.count("low-pass filter"), 1u);
+    EXPECT_EQ(swept.shaping.contourToPitch, 200);
+    EXPECT_NEAR(swept.shaping.cutoff, 830.6, 0.1); // 8,000 cents above 8.176 Hz
+
+    // Louder than full level only as far as velocity takes away: 4 dB, down to velocity 100.
+    SoundFontBuilder loud;
+    loud.preset = {{{G::Attenuation, -100}, {G::Instrument, 0}}};
+    const auto layers = import(loud).zones;
+    ASSERT_EQ(layers.size(), 2u);
+    EXPECT_EQ(layers[0].velocities, (ImportedRange{101, 127}));
+    EXPECT_EQ(std::tuple(layers[0].volume, layers[0].velocityTracking), std::tuple(0.0, 0.0));
+    EXPECT_NEAR(layers[1].volume, 4.0, 1e-9);
 
     SoundFontBuilder builder;
     builder.modulators = {{0, {0x0502, 48, 480, 0, 0}}, {0, {0x0081, 6, 50, 0, 0}}};

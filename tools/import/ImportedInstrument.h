@@ -3,6 +3,7 @@
 
 #include "engine/Records.h"
 #include "tools/import/FrameReader.h"
+#include "tools/import/Shaping.h"
 
 #include <compare>
 #include <cstdint>
@@ -84,6 +85,7 @@ struct ImportedZone {
     /// 1: 40 dB for a factor of ten in velocity; 0: full level at any velocity.
     double velocityTracking = 1.0;
     ImportedEnvelope envelope;
+    ImportedShaping shaping; ///< what the engine has not, done to copies of the sample
 
     // Frames of the sample. Points beyond its end are moved inside.
     std::uint64_t start = 0;

@@ -5,6 +5,7 @@
 #include "data/load/InstrumentFormat.h"
 #include "tools/import/FileNames.h"
 #include "tools/import/SampleWriter.h"
+#include "tools/import/ShapeZones.h"
 #include "tools/import/ZoneRecords.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/InstrumentWriter.h"
@@ -25,6 +26,7 @@ class Import {
   public:
     Import(const ImportedInstrument& source, const ImportOptions& options, ImportReport& report)
         : source_(source)
+        , samples_(source.samples)
         , options_(options)
         , report_(report) {}
 
@@ -43,9 +45,10 @@ class Import {
     void writeWaves();
     void fillReport();
     void advance(std::uint64_t frames);
-    const ImportedSample& sampleOf(const SampleForm& form) const { return source_.samples[form.sample]; }
+    const ImportedSample& sampleOf(const SampleForm& form) const { return samples_[form.sample]; }
 
     const ImportedInstrument& source_;
+    std::vector<ImportedSample> samples_; // the source's, and shaped copies
     const ImportOptions& options_;
     ImportReport& report_;
     std::vector<MappedGroup> groups_;
@@ -59,7 +62,7 @@ class Import {
 void Import::mapZones() {
     std::vector<ImportedZone> zones;
     for (const ImportedZone& zone : splitByKey(source_.zones)) {
-        const std::uint64_t frames = source_.samples.at(zone.sample).format.frames;
+        const std::uint64_t frames = samples_.at(zone.sample).format.frames;
         if (zone.keys.isEmpty() || zone.velocities.isEmpty())
             report_.add("range without keys or velocities", "zone left out", zone.place);
         else if (zone.start >= std::min(zone.end, frames))
@@ -68,12 +71,12 @@ void Import::mapZones() {
             zones.push_back(zone);
     }
     if (zones.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
-    groups_ = mapGroups(std::move(zones), source_.firstKeyswitch, report_);
+    groups_ = mapGroups(shapeZones(zones, samples_, report_), source_.firstKeyswitch, report_);
     assignChokeIds(groups_, report_);
 }
 
 SampleForms Import::formsFor(std::uint64_t chunk, ImportReport& report) {
-    SampleForms forms(source_.samples, chunk, report);
+    SampleForms forms(samples_, chunk, report);
     for (const MappedGroup& group : groups_)
         for (const ImportedZone& zone : group.zones)
             forms.add(zone);
@@ -127,12 +130,15 @@ void Import::fillHeader() {
     settings.sixteenBit = settings.sixteenBitStored = sixteenBit_ ? 1 : 0;
     settings.polyphony = settings.polyphonyStored =
         std::clamp(source_.polyphony.value_or(usualPolyphony), 1, limits::voices);
+    settings.quality =
+        static_cast<std::int32_t>(Quality::Mid); // High is 3 dB down at a fifth of a sample's rate
     settings.velocityFloor = velocityFloorOf(groups_, report_);
 }
 
 // Chooses the samples' forms on the way: each zone has its say before any point is set.
 void Import::fillGroups() {
     SampleForms forms = formsFor(streaming_ ? chunkFrames : 0, report_);
+    forms.moveSeams();
     forms_ = forms.forms();
     chooseWidths();
     nameForms();

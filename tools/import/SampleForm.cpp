@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SampleForm.h"
 
+#include "tools/import/LoopSeam.h"
+
 #include <algorithm>
+#include <cmath>
 
 namespace zarno {
 namespace {
@@ -51,6 +54,26 @@ void SampleForms::add(const ImportedZone& zone) {
     }
 }
 
+void SampleForms::moveSeams() {
+    for (SampleForm& form : forms_)
+        if (chunkFrames_ == 0 && form.passes > 0)
+            form.seam = flattestSeam(samples_[form.sample], form.loopStart, form.frames);
+}
+
+// In memory a jump goes to one step behind the loop's start, from anywhere in the step that would pass the
+// end. So at the recording's own pitch a loop needs one more frame, its first once more, and then has its
+// length exactly; at others it has that on average.
+std::uint64_t SampleForms::overshoot(const ImportedZone& zone) const {
+    if (chunkFrames_ > 0) return 0;
+    constexpr double usualRate = 44100.0;
+    const double semitones = zone.keyTracking == 0.0
+                                 ? 0.0
+                                 : 0.5 * (zone.keys.low + zone.keys.high) - zone.rootKey + zone.tune / 100.0;
+    const double step = samples_[zone.sample].format.sampleRate / usualRate * std::exp2(semitones / 12.0);
+    if (step < 0.75) return 0;
+    return static_cast<std::uint64_t>(std::clamp(std::round(step / 2.0), 1.0, 8.0));
+}
+
 void SampleForms::setPoints(const ImportedZone& zone, std::size_t index, ZoneRecord& record) const {
     const SampleForm& form = forms_[index];
     record.startFrame = zone.start;
@@ -59,10 +82,8 @@ void SampleForms::setPoints(const ImportedZone& zone, std::size_t index, ZoneRec
     record.loopMode = static_cast<std::int32_t>(zone.loop == LoopMode::OneShot ? LoopMode::OneShot
                                                 : form.passes > 0              ? LoopMode::Loop
                                                                                : LoopMode::None);
-    record.loopStart = form.loopStart + (zone.start > form.loopStart ? form.loopFrames() : 0);
-    // In memory a pass at the recording's own pitch ends one frame early: with the tail's first frame, which
-    // is the loop's first, it has its full length.
-    record.loopEnd = form.unrolledFrames() + (chunkFrames_ == 0 ? 1 : 0);
+    record.loopStart = form.loopStart + form.seam + (zone.start > form.loopStart ? form.loopFrames() : 0);
+    record.loopEnd = form.unrolledFrames() + overshoot(zone);
     if (form.passes == 0) record.loopStart = zone.start, record.loopEnd = record.endFrame;
 }
 

@@ -18,11 +18,15 @@ struct SampleForm {
     std::uint64_t frames = 0;                ///< of the recording that are used
     std::uint64_t loopStart = 0, passes = 0; ///< the loop from loopStart to `frames`; 0 passes: no loop
 
-    static constexpr std::uint64_t tailFrames = 4;
+    std::uint64_t seam = 0; ///< frames by which the loop begins and ends later
+
+    static constexpr std::uint64_t tailFrames = 16;
 
     std::uint64_t loopFrames() const { return frames - loopStart; }
     /// With the loop unrolled, without the tail.
-    std::uint64_t unrolledFrames() const { return passes == 0 ? frames : loopStart + passes * loopFrames(); }
+    std::uint64_t unrolledFrames() const {
+        return passes == 0 ? frames : loopStart + passes * loopFrames() + seam;
+    }
     std::uint64_t writtenFrames() const { return unrolledFrames() + tailFrames; }
 };
 
@@ -37,6 +41,8 @@ class SampleForms {
 
     /// Sees to it that there is a form for this zone. Forms grow until all zones were added.
     void add(const ImportedZone& zone);
+    /// For samples in memory, once all zones were added: moves loops to where their seams are heard least.
+    void moveSeams();
     /// Index into forms() of the form of a zone that was added.
     std::size_t find(const ImportedZone& zone) const { return indices_.at(keyOf(zone)); }
     /// Start, end and loop of the zone as positions in its form, once all zones were added.
@@ -45,7 +51,7 @@ class SampleForms {
     const std::vector<SampleForm>& forms() const { return forms_; }
 
     /// Shorter loops of samples in memory are unrolled to this.
-    static constexpr std::uint64_t shortestLoop = 4000;
+    static constexpr std::uint64_t shortestLoop = 8000;
 
   private:
     struct Loop {
@@ -56,6 +62,7 @@ class SampleForms {
 
     Key keyOf(const ImportedZone& zone) const;
     Loop loopOf(const ImportedZone& zone) const;
+    std::uint64_t overshoot(const ImportedZone& zone) const;
     std::uint64_t passesFor(const ImportedZone& zone, const Loop& loop) const;
 
     const std::vector<ImportedSample>& samples_;

@@ -120,8 +120,9 @@ std::uint64_t Writer::readPiece(FrameReader& reader, std::uint64_t frames) {
 
 void Writer::keepLoop(std::uint64_t from, std::uint64_t frames) {
     if (form_.passes == 0) return;
-    const std::uint64_t wanted =
-        form_.passes > 1 ? form_.loopFrames() : std::min(form_.loopFrames(), SampleForm::tailFrames);
+    const std::uint64_t wanted = form_.passes > 1
+                                     ? form_.loopFrames()
+                                     : std::min(form_.loopFrames(), form_.seam + SampleForm::tailFrames);
     const std::uint64_t low = std::max(from, form_.loopStart);
     const std::uint64_t high = std::min(from + frames, form_.loopStart + wanted);
     if (low < high)
@@ -142,7 +143,7 @@ void Writer::recording() {
 }
 
 void Writer::tail() {
-    std::vector<char> bytes(SampleForm::tailFrames * frameBytes_, 0);
+    std::vector<char> bytes((form_.seam + SampleForm::tailFrames) * frameBytes_, 0);
     if (!loop_.empty())
         for (std::size_t i = 0; i < bytes.size(); ++i)
             bytes[i] = loop_[i % loop_.size()];

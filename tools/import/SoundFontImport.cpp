@@ -32,6 +32,14 @@ double milliseconds(int timecents) {
     return timecents <= -12000 ? 1.0 : 1000.0 * std::exp2(std::min(timecents, 8000) / 1200.0);
 }
 
+double attenuationOf(const SoundFontVoice& voice) { // dB
+    return attenuationScale / 10.0 * voice[Generator::Attenuation];
+}
+
+double resonanceOf(const SoundFontVoice& voice) { // dB
+    return std::clamp(voice[Generator::FilterResonance], 0, 960) / 10.0;
+}
+
 // Equal power from side to side, as the louder side's gain and the other one's share of it.
 void setPan(ImportedZone& zone, int pan) {
     if (pan == 0) return;
@@ -41,33 +49,26 @@ void setPan(ImportedZone& zone, int pan) {
     zone.volume += 20.0 * std::log10(std::max(left, right) * std::numbers::sqrt2);
 }
 
-// The engine's level does not hold before it falls, so it falls more slowly: on the line that lies closest,
-// in dB over the time that is heard, and by 4.3 dB at most while it should hold.
-double withHold(double decay, double hold) {
-    constexpr double heard = 2000.0; // ms
-    if (hold < noticeable) return decay;
-    const double share = hold / std::max(heard, 2 * hold);
-    return std::max(decay / (1.0 - 1.5 * share + 0.5 * share * share * share), 2 * hold);
+// A time that, above or below key 60, is longer or shorter.
+double followedTime(const SoundFontVoice& voice, Generator time, Generator byKey) {
+    const int middleKey = (voice.lowKey + voice.highKey) / 2;
+    return milliseconds(voice[time] + (60 - middleKey) * voice[byKey]);
 }
 
-// The sustain level is reached in a straight line of dB here, and asymptotically there: of the same area.
-ImportedEnvelope envelopeOf(const SoundFontVoice& voice) {
-    const int middleKey = (voice.lowKey + voice.highKey) / 2;
+double sustainOf(const SoundFontVoice& voice) {
+    return -std::clamp(voice[Generator::VolEnvSustain] / 1000.0, 0.0, 1.0) * envelopeRange;
+}
+
+ImportedEnvelope envelopeOf(const SoundFontVoice& voice, const ImportedFall& fall) {
     ImportedEnvelope made;
     made.attack = milliseconds(voice[Generator::VolEnvAttack]);
     made.release = envelope::releaseOfFall(milliseconds(voice[Generator::VolEnvRelease]), envelopeRange);
-    const double sustain = std::clamp(voice[Generator::VolEnvSustain] / 1000.0, 0.0, 1.0) * envelopeRange;
-    if (sustain <= 0.0) return made;
-    const auto followed = [&](Generator time, Generator byKey) {
-        return milliseconds(voice[time] + (60 - middleKey) * voice[byKey]);
-    };
-    const double decay = followed(Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
-    const double hold = followed(Generator::VolEnvHold, Generator::KeyToVolEnvHold);
-    const double level = std::pow(10.0, -sustain / 20.0);
-    const double sameArea = 1.0 + level * std::log(level) / (1.0 - level);
-    made.sustain = -sustain;
-    made.decay = std::max(envelope::shortestDecay,
-                          withHold(envelope::decayOfFall(decay, envelopeRange) * sameArea, hold));
+    made.sustain = sustainOf(voice);
+    if (made.sustain >= 0.0) return made;
+    const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
+    made.decay =
+        envelope::decayOfFall(fall.exists() ? envelopeRange / fall.engineSlope() : decay, envelopeRange);
+    made.decay = std::max(envelope::shortestDecay, made.decay);
     return made;
 }
 
@@ -97,6 +98,73 @@ bool areSides(std::size_t indexOfOne, const SoundFontSample& one, const SoundFon
     return other.link == indexOfOne && other.type != one.type && shape(one) == shape(other);
 }
 
+double orNone(double time) {
+    return time > noticeable ? time : 0.0;
+}
+
+ImportedFall fallOf(const SoundFontVoice& voice, double silence) {
+    ImportedFall fall;
+    fall.sustain = sustainOf(voice);
+    fall.start = milliseconds(voice[Generator::VolEnvAttack]);
+    fall.hold = silence + orNone(followedTime(voice, Generator::VolEnvHold, Generator::KeyToVolEnvHold));
+    const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
+    const bool isStraightLineToSilence = fall.hold == 0.0 && fall.sustain <= -envelopeRange;
+    if (fall.sustain < 0.0 && !isStraightLineToSilence)
+        fall.slope = envelopeRange / std::max(envelope::shortestDecay, decay);
+    return fall;
+}
+
+ImportedContour contourOf(const SoundFontVoice& voice) {
+    ImportedContour contour;
+    contour.delay = orNone(milliseconds(voice[Generator::ModEnvDelay]));
+    contour.attack = orNone(milliseconds(voice[Generator::ModEnvAttack]));
+    contour.hold = orNone(followedTime(voice, Generator::ModEnvHold, Generator::KeyToModEnvHold));
+    contour.decay = followedTime(voice, Generator::ModEnvDecay, Generator::KeyToModEnvDecay);
+    contour.rest = 1.0 - std::clamp(voice[Generator::ModEnvSustain] / 1000.0, 0.0, 1.0);
+    return contour;
+}
+
+constexpr double keyZero = 8.1758; // Hz of 0 cents
+
+double noLessThan(double least, double amount) {
+    return std::fabs(amount) < least ? 0.0 : amount;
+}
+
+ImportedSwing swingOf(const SoundFontVoice& voice, Generator delay, Generator rate) {
+    ImportedSwing swing;
+    swing.delay = orNone(milliseconds(voice[delay]));
+    swing.rate = keyZero * std::exp2(std::clamp(voice[rate], -16000, 4500) / 1200.0);
+    swing.onlySofter = sustainOf(voice) >= 0.0;
+    return swing;
+}
+
+std::array<ImportedSwing, 2> swingsOf(const SoundFontVoice& voice) {
+    ImportedSwing all = swingOf(voice, Generator::ModLfoDelay, Generator::ModLfoRate);
+    all.pitch = noLessThan(1.0, voice[Generator::ModLfoToPitch]);
+    all.cutoff = noLessThan(10.0, voice[Generator::ModLfoToFilter]);
+    all.level = noLessThan(0.5, voice[Generator::ModLfoToVolume] / 10.0);
+    ImportedSwing vibrato = swingOf(voice, Generator::VibLfoDelay, Generator::VibLfoRate);
+    vibrato.pitch = noLessThan(1.0, voice[Generator::VibLfoToPitch]);
+    return {all.exists() ? all : ImportedSwing{}, vibrato.exists() ? vibrato : ImportedSwing{}};
+}
+
+ImportedShaping shapingOf(const SoundFontVoice& voice) {
+    ImportedShaping shaping;
+    const int depth = voice[Generator::ModEnvToFilter];
+    const int cutoff = std::clamp(voice[Generator::FilterCutoff], 1500, openFilter);
+    if (cutoff + std::min(depth, 0) < openFilter) {
+        shaping.cutoff = keyZero * std::exp2(cutoff / 1200.0);
+        shaping.resonance = resonanceOf(voice);
+        shaping.contourToCutoff = depth;
+    }
+    shaping.contourToPitch = voice[Generator::ModEnvToPitch];
+    if (shaping.contourToCutoff != 0.0 || shaping.contourToPitch != 0.0) shaping.contour = contourOf(voice);
+    shaping.silence = orNone(milliseconds(voice[Generator::VolEnvDelay]));
+    shaping.fall = fallOf(voice, shaping.silence);
+    shaping.swings = swingsOf(voice);
+    return shaping;
+}
+
 class PresetImport {
   public:
     PresetImport(const SoundFontFile& file, const SoundFontFile::Preset& preset, ImportReport& report)
@@ -112,6 +180,7 @@ class PresetImport {
     bool isPlayable(const SoundFontVoice& voice);
     std::vector<std::optional<std::size_t>> otherSides(const std::vector<SoundFontVoice>& voices) const;
     void addZone(const SoundFontVoice& voice, const SoundFontVoice* right);
+    void addLayers(ImportedZone zone, double attenuation);
     std::size_t sampleFor(std::size_t left, std::optional<std::size_t> right);
     void setPitch(ImportedZone& zone, const SoundFontVoice& voice);
     void setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair);
@@ -180,21 +249,18 @@ void PresetImport::setPitch(ImportedZone& zone, const SoundFontVoice& voice) {
     const int root = voice[Generator::RootKey];
     zone.rootKey = root >= 0 && root <= 127 ? root : sample.rootKey;
     zone.keyTracking = voice[Generator::ScaleTuning];
-    zone.tune = sample.correction + voice[Generator::FineTune] + 100.0 * voice[Generator::CoarseTune];
+    zone.tune = sample.correction * zone.keyTracking / 100.0 + voice[Generator::FineTune] +
+                100.0 * voice[Generator::CoarseTune];
     if (voice[Generator::FixedKey] != noKey) {
         zone.tune += zone.keyTracking * (voice[Generator::FixedKey] - zone.rootKey);
         zone.keyTracking = 0.0;
     }
-    if (const int depth = voice[Generator::ModEnvToPitch]; depth != 0) {
-        zone.tune += depth * (1.0 - std::clamp(voice[Generator::ModEnvSustain] / 1000.0, 0.0, 1.0));
-        remark("pitch envelope", "the pitch it comes to rest at");
-    }
+    zone.tune += zone.shaping.contourToPitch * zone.shaping.contour.rest;
 }
 
 void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair) {
-    zone.volume = -attenuationScale / 10.0 * std::max(0, voice[Generator::Attenuation]);
-    zone.volume -= std::clamp(voice[Generator::FilterResonance], 0, 960) /
-                   20.0; // half a resonance's height, as the format has it
+    zone.volume = -attenuationOf(voice);
+    zone.volume -= resonanceOf(voice) / 2.0; // as the format has it, whether the filter is heard or not
     setPan(zone, voice[Generator::Pan]);
     if (isPair) zone.pan = 0.0; // both sides in full
     zone.velocityTracking = static_cast<double>(voice.velocityAmount) / fullVelocityAmount;
@@ -202,7 +268,7 @@ void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, boo
         zone.volume += zone.velocityTracking * velocityDecibels * std::log10(std::min(velocity, 127) / 127.0);
         zone.velocityTracking = 0.0;
     }
-    zone.envelope = envelopeOf(voice);
+    zone.envelope = envelopeOf(voice, zone.shaping.fall);
 }
 
 void PresetImport::setPoints(ImportedZone& zone, const SoundFontVoice& voice) {
@@ -223,17 +289,6 @@ void PresetImport::setPoints(ImportedZone& zone, const SoundFontVoice& voice) {
 }
 
 void PresetImport::reportRest(const SoundFontVoice& voice) {
-    if (milliseconds(voice[Generator::VolEnvDelay]) > noticeable) remark("envelope delay", "left out");
-    if (milliseconds(voice[Generator::VolEnvHold]) > noticeable && voice[Generator::VolEnvSustain] > 0)
-        remark("envelope hold", "a longer decay");
-    if (voice[Generator::KeyToVolEnvDecay] != 0 && voice.lowKey != voice.highKey)
-        remark("envelope decay that follows the key", "the decay of the zone's middle key");
-    if (voice[Generator::FilterCutoff] < openFilter) remark("low-pass filter", "left out");
-    if (voice[Generator::ModEnvToFilter] != 0 || voice[Generator::ModLfoToFilter] != 0)
-        remark("moving filter", "left out");
-    if (voice[Generator::VibLfoToPitch] != 0 || voice[Generator::ModLfoToPitch] != 0)
-        remark("vibrato", "left out; the modulation wheel gives some");
-    if (voice[Generator::ModLfoToVolume] != 0) remark("tremolo", "left out");
     if (voice[Generator::ReverbSend] != 0 || voice[Generator::ChorusSend] != 0)
         remark("reverb or chorus send", "left out; the instrument has one reverb for all");
     if (voice.unknownModulators > 0) remark("modulator", "left out");
@@ -247,13 +302,32 @@ void PresetImport::addZone(const SoundFontVoice& voice, const SoundFontVoice* ri
     zone.keys = {voice.lowKey, voice.highKey};
     zone.velocities = {std::max(1, voice.lowVelocity), voice.highVelocity};
     zone.choke = std::max(0, voice[Generator::ExclusiveClass]);
+    zone.shaping = shapingOf(voice);
     setPitch(zone, voice);
     setLevel(zone, voice, right != nullptr);
     setPoints(zone, voice);
     reportRest(voice);
     if (zone.velocities.isEmpty() || zone.start >= zone.end)
         return remark("zone that nothing can play", "left out");
-    out_.zones.push_back(std::move(zone));
+    addLayers(zone, attenuationOf(voice));
+}
+
+// A zone that is louder than full level is so until velocity has made up for it: no voice is louder than
+// that.
+void PresetImport::addLayers(ImportedZone zone, double attenuation) {
+    const double softer = attenuation / velocityDecibels; // decades of velocity
+    const int loudest = zone.velocityTracking > 0.0
+                            ? static_cast<int>(127.0 * std::pow(10.0, softer / zone.velocityTracking))
+                            : 0;
+    if (attenuation < 0.0 && loudest < zone.velocities.high) {
+        ImportedZone full = zone;
+        full.velocities.low = std::max(zone.velocities.low, loudest + 1);
+        full.velocityTracking = 0.0;
+        full.volume += attenuation;
+        out_.zones.push_back(std::move(full));
+        zone.velocities.high = loudest;
+    }
+    if (!zone.velocities.isEmpty()) out_.zones.push_back(std::move(zone));
 }
 
 ImportedInstrument PresetImport::run() {

@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/ShapeZones.h"
+
+#include "tools/import/ShapedFrames.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+
+namespace zarno {
+namespace {
+
+struct Effort {
+    int keys;       // a copy serves
+    double longest; // ms that a loop waits for what moves before it
+};
+constexpr Effort efforts[] = {{3, 4000.0}, {3, 2000.0}, {3, 1000.0}, {5, 1000.0}, {7, 500.0}, {12, 500.0}};
+
+class ZoneShaper {
+  public:
+    ZoneShaper(const std::vector<ImportedSample>& samples, Effort effort)
+        : samples_(samples)
+        , effort_(effort) {}
+
+    void add(const ImportedZone& zone);
+    /// Of 16-bit samples.
+    std::uint64_t bytes() const;
+    void addSamples(std::vector<ImportedSample>& samples) const;
+
+    std::size_t copies() const { return parts_.size(); }
+    std::vector<ImportedZone> zones;
+
+  private:
+    int keysFrom(int key, const ImportedShaping& shaping) const;
+    void addPiece(ImportedZone piece);
+    ShapedPart partOf(const ImportedZone& zone) const;
+
+    const std::vector<ImportedSample>& samples_;
+    const Effort effort_;
+    std::map<std::pair<std::size_t, ShapedPart>, std::size_t> parts_; // to the index of the new sample
+};
+
+// A filter that lets everything pass that the recording holds.
+bool isOpen(const ImportedShaping& shaping, double rate) {
+    constexpr double highest = 19000.0; // Hz
+    return shaping.lowestCutoff() >= std::min(highest, 0.5 * rate);
+}
+
+// Whole semitones: layers that are detuned by less share a copy.
+ShapedPart ZoneShaper::partOf(const ImportedZone& zone) const {
+    const SoundFormat& format = samples_[zone.sample].format;
+    const double middle = 0.5 * (zone.keys.low + zone.keys.high);
+    const double semitones = zone.keyTracking == 0.0 ? 0.0 : middle - zone.rootKey + zone.tune / 100.0;
+    ShapedPart part;
+    part.shaping = zone.shaping;
+    part.rate = format.sampleRate * std::exp2(std::round(semitones) / 12.0);
+    if (isOpen(part.shaping, part.rate)) part.shaping.cutoff = part.shaping.resonance = 0.0;
+    part.start = zone.start;
+    part.end = part.loopStart = std::min(zone.end, format.frames);
+    if (zone.loop == LoopMode::Loop && zone.loopStart < std::min(zone.loopEnd, format.frames)) {
+        part.end = std::min(zone.loopEnd, format.frames);
+        part.loopStart = zone.loopStart;
+        part.shaping.longest = effort_.longest;
+    }
+    return withWholeTurns(part);
+}
+
+void ZoneShaper::addPiece(ImportedZone piece) {
+    const ShapedPart part = partOf(piece);
+    if (part.shaping.exists() && part.start < part.end) {
+        const auto [found, isNew] = parts_.try_emplace({piece.sample, part}, samples_.size() + parts_.size());
+        const ShapedLength length = lengthOf(part);
+        piece.sample = found->second;
+        piece.volume += part.shaping.headroom();
+        piece.start = 0;
+        piece.end = piece.loopEnd = length.frames;
+        piece.loopStart = length.loopStart;
+    }
+    piece.shaping = {};
+    zones.push_back(std::move(piece));
+}
+
+void ZoneShaper::add(const ImportedZone& zone) {
+    if (!zone.shaping.exists()) return zones.push_back(zone);
+    if (zone.keyTracking == 0.0) return addPiece(zone); // all keys are alike
+    ImportedZone piece = zone;
+    for (int key = zone.keys.low; key <= zone.keys.high; key = piece.keys.high + 1) {
+        piece.keys.low = key;
+        piece.keys.high = std::min(zone.keys.high, key + keysFrom(key, zone.shaping) - 1);
+        addPiece(piece);
+    }
+}
+
+// Where even the fundamental is on the filter's slope each semitone is a decibel.
+int ZoneShaper::keysFrom(int key, const ImportedShaping& shaping) const {
+    const double fundamental = 8.1758 * std::exp2(key / 12.0);
+    const bool isSteep = shaping.cutoff > 0.0 && shaping.cutoffAt(shaping.contour.end()) < 2.0 * fundamental;
+    return isSteep ? (effort_.keys + 2) / 3 : effort_.keys;
+}
+
+std::uint64_t ZoneShaper::bytes() const {
+    std::uint64_t bytes = 0;
+    for (const auto& [part, index] : parts_)
+        bytes += 2ull * static_cast<std::uint64_t>(std::clamp(samples_[part.first].format.channels, 1, 2)) *
+                 lengthOf(part.second).frames;
+    return bytes;
+}
+
+void ZoneShaper::addSamples(std::vector<ImportedSample>& samples) const {
+    std::vector<ImportedSample> made(parts_.size());
+    for (const auto& [part, index] : parts_)
+        made[index - samples_.size()] = shapedSample(samples_[part.first], part.second);
+    samples.insert(samples.end(), std::make_move_iterator(made.begin()), std::make_move_iterator(made.end()));
+}
+
+} // namespace
+
+std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
+                                     std::vector<ImportedSample>& samples, ImportReport& report) {
+    for (const Effort& effort : efforts) {
+        ZoneShaper shaper(samples, effort);
+        for (const ImportedZone& zone : zones)
+            shaper.add(zone);
+        if (shaper.bytes() > mostShapedBytes) continue;
+        if (shaper.copies() > 0)
+            report.add("filters and contours",
+                       "done to copies of the samples, each for " + std::to_string(effort.keys) +
+                           " keys at most",
+                       report.source, shaper.copies());
+        shaper.addSamples(samples);
+        return std::move(shaper.zones);
+    }
+    report.add("filters and contours", "left out: filtered copies would be too large", report.source);
+    return zones;
+}
+
+} // namespace zarno

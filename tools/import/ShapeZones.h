@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#pragma once
+
+#include "tools/import/ImportReport.h"
+#include "tools/import/ImportedInstrument.h"
+
+namespace zarno {
+
+/// Gives zones with a shaping copies of their samples that have it, and adds these to `samples`. A filter
+/// does not follow the key, and time does not run faster at higher ones, so a copy is for a few keys only,
+/// and a zone becomes several: as few keys as fit into `mostShapedBytes`. Where even the widest do not fit,
+/// zones stay as they are. Zones must follow keys as the engine does, see splitByKey().
+std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
+                                     std::vector<ImportedSample>& samples, ImportReport& report);
+
+inline constexpr std::uint64_t mostShapedBytes = 192u << 20; ///< of copies, in 16 bits
+
+} // namespace zarno

@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/ShapedFrames.h"
+
+#include "tools/import/LowPass.h"
+#include "tools/zarno/MakerError.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <vector>
+
+namespace zarno {
+namespace {
+
+constexpr std::size_t mostChannels = 2;
+using Frame = std::array<float, mostChannels>;
+
+// The frames of a part one after the other, the loop again and again; silence behind the end.
+class PartFrames {
+  public:
+    PartFrames(const ImportedSample& source, const ShapedPart& part)
+        : reader_(source.open())
+        , sourceChannels_(static_cast<std::size_t>(std::max(source.format.channels, 1)))
+        , name_(source.name)
+        , part_(part) {
+        while (frame_ < part_.start && refill(part_.start - frame_))
+            frame_ += buffered_, next_ = buffered_;
+    }
+
+    Frame next() {
+        Frame frame{};
+        if (frame_ < part_.end) {
+            if (next_ >= buffered_ && !refill(part_.end - frame_))
+                throw MakerError(name_, "the sample ends before the length it states");
+            for (std::size_t c = 0; c < std::min(sourceChannels_, mostChannels); ++c)
+                frame[c] = buffer_[next_ * sourceChannels_ + c];
+            ++next_;
+            if (frame_++ >= part_.loopStart) loop_.push_back(frame);
+        } else if (!loop_.empty()) {
+            frame = loop_[inLoop_];
+            inLoop_ = (inLoop_ + 1) % loop_.size();
+        }
+        return frame;
+    }
+
+  private:
+    bool refill(std::uint64_t most) {
+        constexpr std::uint64_t piece = 4096;
+        buffer_.resize(piece * sourceChannels_);
+        buffered_ = static_cast<std::size_t>(reader_->read(buffer_.data(), std::min(most, piece)));
+        next_ = 0;
+        return buffered_ > 0;
+    }
+
+    std::unique_ptr<FrameReader> reader_;
+    const std::size_t sourceChannels_;
+    const std::string name_;
+    const ShapedPart part_;
+    std::vector<float> buffer_;
+    std::size_t buffered_ = 0, next_ = 0;
+    std::uint64_t frame_ = 0; // of the recording, read so far
+    std::vector<Frame> loop_;
+    std::size_t inLoop_ = 0;
+};
+
+// Reads frames at any speed, by a third-degree curve through four of them.
+class BentFrames {
+  public:
+    BentFrames(const ImportedSample& source, const ShapedPart& part)
+        : frames_(source, part) {
+        for (std::size_t i = 1; i < window_.size(); ++i)
+            window_[i] = frames_.next();
+    }
+
+    Frame read(double speed) {
+        Frame frame = window_[1];
+        if (const auto t = static_cast<float>(fraction_); t != 0.0f)
+            for (std::size_t c = 0; c < mostChannels; ++c)
+                frame[c] = between(t, window_[0][c], window_[1][c], window_[2][c], window_[3][c]);
+        for (fraction_ += speed; fraction_ >= 1.0; fraction_ -= 1.0) {
+            std::rotate(window_.begin(), window_.begin() + 1, window_.end());
+            window_.back() = frames_.next();
+        }
+        return frame;
+    }
+
+  private:
+    static float between(float t, float y0, float y1, float y2, float y3) {
+        const float a = 0.5f * (3.0f * (y1 - y2) + y3 - y0);
+        const float b = y0 - 2.5f * y1 + 2.0f * y2 - 0.5f * y3;
+        return ((a * t + b) * t + 0.5f * (y2 - y0)) * t + y1;
+    }
+
+    PartFrames frames_;
+    std::array<Frame, 4> window_{};
+    double fraction_ = 0.0;
+};
+
+class ShapedFrames final : public FrameReader {
+  public:
+    ShapedFrames(const ImportedSample& source, const ShapedPart& part, std::uint64_t frames)
+        : source_(source, part)
+        , shaping_(part.shaping)
+        , rate_(part.rate)
+        , q_(shaping_.q())
+        , frames_(frames)
+        , silence_(static_cast<std::uint64_t>(shaping_.silence * rate_ / 1000.0))
+        , channels_(std::min(mostChannels, static_cast<std::size_t>(std::max(source.format.channels, 1)))) {}
+
+    std::uint64_t read(float* destination, std::uint64_t frames) override {
+        frames = std::min(frames, frames_ - frame_);
+        for (std::uint64_t i = 0; i < frames; ++i, destination += channels_)
+            readFrame(destination);
+        return frames;
+    }
+
+    std::uint64_t read(std::int16_t* destination, std::uint64_t frames) override {
+        floats_.resize(static_cast<std::size_t>(std::min(frames, frames_ - frame_)) * channels_);
+        frames = read(floats_.data(), frames);
+        std::transform(floats_.begin(), floats_.end(), destination, [](float value) {
+            return static_cast<std::int16_t>(std::lrintf(std::clamp(value * 32768.0f, -32768.0f, 32767.0f)));
+        });
+        return frames;
+    }
+
+  private:
+    // What moves, moves by steps this short.
+    void move() {
+        constexpr std::uint64_t framesPerStep = 16;
+        if (frame_ % framesPerStep != 0) return;
+        const double time = 1000.0 * static_cast<double>(frame_) / rate_;
+        gain_ = shaping_.levelAt(time);
+        speed_ = shaping_.pitchAt(time);
+        if (shaping_.cutoff <= 0.0) return;
+        for (LowPass& filter : filters_)
+            filter.set(shaping_.cutoffAt(time) / rate_, q_);
+    }
+
+    void readFrame(float* destination) {
+        move();
+        const Frame frame = frame_ < silence_ ? Frame{} : source_.read(speed_);
+        ++frame_;
+        for (std::size_t c = 0; c < channels_; ++c)
+            destination[c] =
+                static_cast<float>(gain_ * (shaping_.cutoff > 0.0 ? filters_[c](frame[c]) : frame[c]));
+    }
+
+    BentFrames source_;
+    const ImportedShaping shaping_;
+    const double rate_, q_;
+    const std::uint64_t frames_, silence_;
+    const std::size_t channels_;
+    std::array<LowPass, mostChannels> filters_;
+    double gain_ = 1.0, speed_ = 1.0;
+    std::uint64_t frame_ = 0;
+    std::vector<float> floats_;
+};
+
+// Until the filter's own ringing has fallen by 90 dB.
+double settling(const ImportedShaping& shaping) {
+    if (shaping.cutoff <= 0.0) return 0.0;
+    constexpr double nepers = 10.4;
+    const double damping = 0.5 / shaping.q(); // above 1 there are two real poles, of which one is slower
+    const double slowest = damping <= 1.0 ? damping : damping - std::sqrt(damping * damping - 1.0);
+    return 1000.0 * nepers / (2.0 * std::numbers::pi * std::max(50.0, shaping.lowestCutoff()) * slowest);
+}
+
+} // namespace
+
+ShapedPart withWholeTurns(ShapedPart part) {
+    auto& swings = part.shaping.swings;
+    const ImportedSwing& first = swings[0].exists() ? swings[0] : swings[1];
+    if (!part.loops() || !first.exists() || first.rate <= 0.0) return part;
+    constexpr double closeEnough = 0.01, longest = 4.0; // s
+    const double turnsPerPass = first.rate * static_cast<double>(part.end - part.loopStart) / part.rate;
+    const auto most =
+        std::max<std::uint64_t>(1, static_cast<std::uint64_t>(longest * first.rate / turnsPerPass));
+    double best = 1.0;
+    for (std::uint64_t passes = 1; passes <= most && best > closeEnough; ++passes) {
+        const double turns = turnsPerPass * static_cast<double>(passes);
+        const double off = std::fabs(std::max(1.0, std::round(turns)) / turns - 1.0);
+        if (off < best || passes == 1) best = off, part.passes = passes;
+    }
+    const double seconds = static_cast<double>(part.loopFrames()) / part.rate;
+    for (ImportedSwing& swing : swings)
+        if (swing.exists()) swing.rate = std::max(1.0, std::round(swing.rate * seconds)) / seconds;
+    return part;
+}
+
+// A loop may begin anywhere once frames repeat: when the recording is in its loop, nothing moves, and the
+// filter has forgotten what was before.
+ShapedLength lengthOf(const ShapedPart& part) {
+    const double framesPerMs = part.rate / 1000.0;
+    const auto silence = static_cast<std::uint64_t>(part.shaping.silence * framesPerMs);
+    if (!part.loops()) return {part.end - part.start + silence, 0};
+    const std::uint64_t before = part.loopStart > part.start ? part.loopStart - part.start : 0;
+    const ImportedShaping& shaping = part.shaping;
+    const double bend = std::fabs(shaping.contourToPitch) + std::fabs(shaping.swings[0].pitch) +
+                        std::fabs(shaping.swings[1].pitch);
+    const double slowest = std::exp2(bend / 1200.0);
+    const double reached = static_cast<double>(silence) + static_cast<double>(before) * slowest;
+    const double rests = shaping.end() * framesPerMs;
+    const auto loopStart = static_cast<std::uint64_t>(
+        std::ceil(std::max(reached, rests) + settling(part.shaping) * framesPerMs));
+    return {loopStart + part.loopFrames(), loopStart};
+}
+
+ImportedSample shapedSample(const ImportedSample& source, const ShapedPart& part) {
+    ImportedSample made = source;
+    made.format.frames = lengthOf(part).frames;
+    made.format.channels = std::clamp(source.format.channels, 1, static_cast<int>(mostChannels));
+    made.open = [source, part, frames = made.format.frames] {
+        return std::make_unique<ShapedFrames>(source, part, frames);
+    };
+    return made;
+}
+
+} // namespace zarno

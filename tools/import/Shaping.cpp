@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/Shaping.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace zarno {
+namespace {
+
+constexpr double decibelsPerTimeConstant = 8.685889638; // 20 log10(e)
+
+double decibels(double gain) {
+    return 20.0 * std::log10(gain);
+}
+
+// A straight line of 96 dB, seen as a level that rises 40 dB for a factor of ten.
+double convex(double x) {
+    return x <= 0.0 ? 0.0 : std::max(0.0, 1.0 + 40.0 / 96.0 * std::log10(x));
+}
+
+} // namespace
+
+double ImportedContour::at(double time) const {
+    time -= delay;
+    if (time < 0.0) return 0.0;
+    if (time < attack) return convex(time / attack);
+    time -= attack + hold;
+    if (time < 0.0) return 1.0;
+    return decay > 0.0 ? std::max(rest, 1.0 - time / decay) : rest;
+}
+
+double ImportedFall::engineSlope() const {
+    constexpr double mostHeadroom = 24.0; // dB: four bits of sixteen
+    return -sustain <= mostHeadroom ? slope : std::min(slope, mostHeadroom / std::max(hold, 1e-3));
+}
+
+double ImportedFall::decibelsBehind(double time) const {
+    time = std::max(0.0, time - start);
+    const double wanted = std::max(sustain, -slope * std::max(0.0, time - hold));
+    const double floor = std::pow(10.0, sustain / 20.0);
+    const double engine = floor + (1.0 - floor) * std::exp(-time * engineSlope() / decibelsPerTimeConstant);
+    return wanted - decibels(engine);
+}
+
+double ImportedFall::decibelsAt(double time) const {
+    return exists() ? decibelsBehind(std::min(time, end())) : 0.0;
+}
+
+// The engine is ahead until the hold ends, most of all then, and behind from then on.
+double ImportedFall::headroom() const {
+    return exists() ? decibelsBehind(start + hold) : 0.0;
+}
+
+double ImportedFall::end() const {
+    if (!exists()) return 0.0;
+    constexpr double inaudible = -90.0;   // dB; a fall to below is a straight line in the engine, too
+    constexpr double timeConstants = 4.0; // until the engine is within 0.2 dB of its sustain level
+    if (sustain < inaudible && engineSlope() == slope) return start + hold;
+    const double fallen = start + hold - sustain / slope;
+    return sustain < inaudible ? fallen : fallen + timeConstants * decibelsPerTimeConstant / engineSlope();
+}
+
+double ImportedSwing::at(double time) const {
+    if (time < delay) return 0.0;
+    const double turns = (time - delay) * rate / 1000.0 + 0.25;
+    const double x = 4.0 * (turns - std::floor(turns)); // 0..4 from the lowest point
+    return x < 2.0 ? x - 1.0 : 3.0 - x;
+}
+
+// A swing in cents is longer above than below; without the division a loop would end behind its end.
+double ImportedSwing::pitchAt(double time) const {
+    if (pitch == 0.0 || time < delay) return 1.0;
+    const double octaves = pitch / 1200.0 * std::numbers::ln2;
+    return std::exp(octaves * at(time)) * octaves / std::sinh(octaves);
+}
+
+double ImportedSwing::levelAt(double time) const {
+    return onlySofter ? std::min(0.0, level * at(time)) : level * at(time);
+}
+
+double ImportedShaping::cutoffAt(double time) const {
+    double cents = contourToCutoff * contour.at(std::min(time, longest));
+    for (const ImportedSwing& swing : swings)
+        cents += swing.cutoff * swing.at(time);
+    return cutoff * std::exp2(cents / 1200.0);
+}
+
+double ImportedShaping::lowestCutoff() const {
+    double cents = std::min(0.0, contourToCutoff);
+    for (const ImportedSwing& swing : swings)
+        cents -= std::fabs(swing.cutoff);
+    return cutoff * std::exp2(cents / 1200.0);
+}
+
+double ImportedShaping::pitchAt(double time) const {
+    const double bend =
+        contourToPitch == 0.0 ? 0.0 : contourToPitch * (contour.at(std::min(time, longest)) - contour.rest);
+    return std::exp2(bend / 1200.0) * swings[0].pitchAt(time) * swings[1].pitchAt(time);
+}
+
+double ImportedShaping::levelAt(double time) const {
+    const double swing = swings[0].levelAt(time) + swings[1].levelAt(time);
+    return std::pow(10.0, (fall.decibelsAt(std::min(time, longest)) + swing - headroom()) / 20.0);
+}
+
+double ImportedShaping::q() const {
+    return std::pow(10.0, resonance / 20.0) / std::numbers::sqrt2;
+}
+
+double ImportedShaping::headroom() const {
+    double room = fall.headroom() + (cutoff > 0.0 ? std::max(0.0, decibels(q())) : 0.0);
+    for (const ImportedSwing& swing : swings)
+        if (!swing.onlySofter) room += std::fabs(swing.level);
+    return room;
+}
+
+double ImportedShaping::end() const {
+    const bool moves = contourToPitch != 0.0 || (cutoff > 0.0 && contourToCutoff != 0.0);
+    const double rests = std::min(longest, std::max(fall.end(), moves ? contour.end() : 0.0));
+    return std::max({silence, rests, swings[0].delay, swings[1].delay});
+}
+
+} // namespace zarno
