@@ -146,6 +146,14 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
     EXPECT_EQ(layers[2].tune, 14);
     builder.preset.resize(1);
 
+    builder.wide = true; // half a step of the 16-bit values
+    const auto wide = import(builder).samples.at(0);
+    float values[4] = {};
+    EXPECT_EQ(wide.open()->read(values, 2), 2u);
+    EXPECT_THAT(values,
+                testing::ElementsAre(2000.5f / 32768, 1000.5f / 32768, 2001.5f / 32768, 1001.5f / 32768));
+    EXPECT_EQ(wide.format.bits, 24);
+
     builder.samples[0].points = 499; // not the same recording any more
     EXPECT_EQ(import(builder).zones.size(), 2u);
 }

@@ -16,6 +16,7 @@ struct SoundFontBuilder {
         int points, loopStart, loopEnd, link, type;
     };
     std::vector<Sample> samples = {{1000, 100, 900, 0, 1}};
+    bool wide = false; // 24 bits
 
     static std::string chunk(const std::string& id, const std::string& body) {
         return id + raw(static_cast<std::uint32_t>(body.size())) + body + std::string(body.size() & 1, '\0');
@@ -61,6 +62,7 @@ struct SoundFontBuilder {
                            start + static_cast<std::uint32_t>(s.loopEnd), std::uint32_t{44100}) +
                        std::string("\x3c\x05", 2) + word(s.link) + word(s.type);
         }
+        const std::string low = wide ? chunk("sm24", std::string(data.size() / 2, '\x80')) : "";
         const auto header = [](const char* text, int bag) {
             return name(text) + word(12) + word(3) + word(bag) + std::string(12, '\0');
         };
@@ -70,7 +72,7 @@ struct SoundFontBuilder {
             chunk("inst", name("Bell") + word(0) + name("EOI") + word(zones)) + lists(instrument, 'i', true) +
             chunk("shdr", headers + std::string(46, '\0'));
         return chunk("RIFF", "sfbk" + chunk("LIST", "INFO" + chunk("INAM", "Test")) +
-                                 chunk("LIST", "sdta" + chunk("smpl", data)) + chunk("LIST", "pdta" + hydra));
+                                 chunk("LIST", "sdta" + chunk("smpl", data) + low) + chunk("LIST", "pdta" + hydra));
     }
 };
 

@@ -71,7 +71,9 @@ void Import::mapZones() {
             zones.push_back(zone);
     }
     if (zones.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
-    groups_ = mapGroups(shapeZones(zones, samples_, report_), source_.firstKeyswitch, report_);
+    groups_ =
+        mapGroups(options_.plain ? withoutShaping(zones, report_) : shapeZones(zones, samples_, report_),
+                  source_.firstKeyswitch, report_);
     assignChokeIds(groups_, report_);
 }
 

@@ -15,6 +15,7 @@ enum class SampleStorage { Auto, Memory, Stream };
 struct ImportOptions {
     std::string out; ///< the instrument file to write, UTF-8
     bool embed = false;
+    bool plain = false; ///< no shaped copies of samples
     SampleStorage storage = SampleStorage::Auto;
     std::function<void(double fraction)> progress = nullptr;
     /// Called with the finished model before it is written: the place to add a panel.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/ShapeZones.h"
 
+#include "data/Limits.h"
 #include "tools/import/ShapedFrames.h"
 
 #include <algorithm>
@@ -51,16 +52,19 @@ ShapedPart ZoneShaper::partOf(const ImportedZone& zone) const {
     const SoundFormat& format = samples_[zone.sample].format;
     const double middle = 0.5 * (zone.keys.low + zone.keys.high);
     const double semitones = zone.keyTracking == 0.0 ? 0.0 : middle - zone.rootKey + zone.tune / 100.0;
+    constexpr double most = 96.0; // beyond there is nothing to be heard
     ShapedPart part;
     part.shaping = zone.shaping;
-    part.rate = format.sampleRate * std::exp2(std::round(semitones) / 12.0);
+    part.rate = format.sampleRate * std::exp2(std::round(std::clamp(semitones, -most, most)) / 12.0);
     if (isOpen(part.shaping, part.rate)) part.shaping.cutoff = part.shaping.resonance = 0.0;
     part.start = zone.start;
     part.end = part.loopStart = std::min(zone.end, format.frames);
     if (zone.loop == LoopMode::Loop && zone.loopStart < std::min(zone.loopEnd, format.frames)) {
         part.end = std::min(zone.loopEnd, format.frames);
         part.loopStart = zone.loopStart;
-        part.shaping.longest = effort_.longest;
+        constexpr double mostSpeed =
+            4.0; // two octaves up a second has four times as many frames, and no more above
+        part.shaping.longest = effort_.longest * std::min(1.0, mostSpeed * format.sampleRate / part.rate);
     }
     return withWholeTurns(part);
 }
@@ -121,7 +125,7 @@ std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
         ZoneShaper shaper(samples, effort);
         for (const ImportedZone& zone : zones)
             shaper.add(zone);
-        if (shaper.bytes() > mostShapedBytes) continue;
+        if (shaper.bytes() > mostShapedBytes || shaper.zones.size() > limits::importedZones) continue;
         if (shaper.copies() > 0)
             report.add("filters and contours",
                        "done to copies of the samples, each for " + std::to_string(effort.keys) +
@@ -130,7 +134,22 @@ std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
         shaper.addSamples(samples);
         return std::move(shaper.zones);
     }
-    report.add("filters and contours", "left out: filtered copies would be too large", report.source);
+    report.add("filters and contours", "left out: copies would be too large", report.source);
+    return withoutShaping(zones, report);
+}
+
+std::vector<ImportedZone> withoutShaping(std::vector<ImportedZone> zones, ImportReport& report) {
+    for (ImportedZone& zone : zones) {
+        const ImportedShaping& shaping = zone.shaping;
+        if (shaping.cutoff > 0.0) report.add("low-pass filter", "left out", zone.place);
+        if (shaping.contourToPitch != 0.0) report.add("pitch envelope", "left out", zone.place);
+        if (shaping.swings[0].exists() || shaping.swings[1].exists())
+            report.add("vibrato or tremolo", "left out", zone.place);
+        if (shaping.silence > 0.0) report.add("delay", "left out", zone.place);
+        if (shaping.fall.exists())
+            report.add("hold, or decay to a sustain level", "a decay without a hold", zone.place);
+        zone.shaping = {};
+    }
     return zones;
 }
 

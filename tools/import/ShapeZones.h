@@ -13,6 +13,9 @@ namespace zarno {
 std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
                                      std::vector<ImportedSample>& samples, ImportReport& report);
 
+/// The zones as the engine alone can play them; says what that leaves out.
+std::vector<ImportedZone> withoutShaping(std::vector<ImportedZone> zones, ImportReport& report);
+
 inline constexpr std::uint64_t mostShapedBytes = 192u << 20; ///< of copies, in 16 bits
 
 } // namespace zarno

@@ -162,24 +162,26 @@ double settling(const ImportedShaping& shaping) {
     constexpr double nepers = 10.4;
     const double damping = 0.5 / shaping.q(); // above 1 there are two real poles, of which one is slower
     const double slowest = damping <= 1.0 ? damping : damping - std::sqrt(damping * damping - 1.0);
-    return 1000.0 * nepers / (2.0 * std::numbers::pi * std::max(50.0, shaping.lowestCutoff()) * slowest);
+    constexpr double longest = 1000.0; // ms
+    return std::min(longest, 1000.0 * nepers / (2.0 * std::numbers::pi * shaping.lowestCutoff() * slowest));
 }
 
 } // namespace
 
 ShapedPart withWholeTurns(ShapedPart part) {
-    auto& swings = part.shaping.swings;
-    const ImportedSwing& first = swings[0].exists() ? swings[0] : swings[1];
-    if (!part.loops() || !first.exists() || first.rate <= 0.0) return part;
     constexpr double closeEnough = 0.01, longest = 4.0; // s
+    auto& swings = part.shaping.swings;
+    for (ImportedSwing& swing : swings)
+        if (swing.rate * longest < 1.0) swing = {}; // a loop would have no end
+    const ImportedSwing& first = swings[0].exists() ? swings[0] : swings[1];
+    if (!part.loops() || !first.exists()) return part;
     const double turnsPerPass = first.rate * static_cast<double>(part.end - part.loopStart) / part.rate;
-    const auto most =
-        std::max<std::uint64_t>(1, static_cast<std::uint64_t>(longest * first.rate / turnsPerPass));
-    double best = 1.0;
-    for (std::uint64_t passes = 1; passes <= most && best > closeEnough; ++passes) {
-        const double turns = turnsPerPass * static_cast<double>(passes);
-        const double off = std::fabs(std::max(1.0, std::round(turns)) / turns - 1.0);
-        if (off < best || passes == 1) best = off, part.passes = passes;
+    const double most = std::max(turnsPerPass + 1.0, longest * first.rate);
+    double best = 1e9;
+    for (double turns = 1.0; turns <= most && best > closeEnough; turns += 1.0) {
+        const double passes = std::max(1.0, std::round(turns / turnsPerPass));
+        const double off = std::fabs(turns / (passes * turnsPerPass) - 1.0);
+        if (off < best) best = off, part.passes = static_cast<std::uint64_t>(passes);
     }
     const double seconds = static_cast<double>(part.loopFrames()) / part.rate;
     for (ImportedSwing& swing : swings)

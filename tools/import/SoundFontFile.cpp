@@ -140,6 +140,8 @@ void SoundFontReader::readData() {
     if (!place) fail("there is no sample data");
     out_.dataPosition = place->position;
     out_.dataPoints = static_cast<std::uint32_t>(std::min<std::uint64_t>(place->size / 2, UINT32_MAX));
+    const ChunkPlace* low = find("sdta/sm24"); // to be ignored when it is not as long as the points
+    if (low && low->size >= out_.dataPoints) out_.lowBytesPosition = low->position;
 }
 
 void SoundFontReader::readSamples() {

@@ -119,6 +119,7 @@ struct SoundFontFile {
     std::uint64_t dataPosition =
         0; ///< of the sample data in the file: 16-bit points, one channel after the other
     std::uint32_t dataPoints = 0;
+    std::uint64_t lowBytesPosition = 0; ///< of the points' bits 17 to 24, a byte each; 0 when there are none
     std::vector<SoundFontSample> samples;
     std::vector<Instrument> instruments;
     std::vector<Preset> presets; ///< by bank and program

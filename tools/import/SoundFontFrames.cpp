@@ -12,41 +12,61 @@ namespace {
 
 class SoundFontFrames final : public FrameReader {
   public:
-    SoundFontFrames(const std::string& path, std::vector<std::uint64_t> starts, std::uint64_t frames)
-        : file_(path)
+    SoundFontFrames(const SoundFontFile& file, std::vector<std::uint32_t> starts, std::uint64_t frames)
+        : file_(file.path)
+        , points_(file.dataPosition)
+        , lowBytes_(file.lowBytesPosition)
         , starts_(std::move(starts))
         , frames_(frames) {
-        if (!file_.isOpen()) throw MakerError(path, "the file cannot be opened");
+        if (!file_.isOpen()) throw MakerError(file.path, "the file cannot be opened");
     }
 
     std::uint64_t read(std::int16_t* destination, std::uint64_t frames) override {
+        frames = next(frames);
+        for (std::size_t i = 0; i < high_.size(); ++i)
+            destination[i] = high_[i];
+        return frames;
+    }
+
+    std::uint64_t read(float* destination, std::uint64_t frames) override {
+        frames = next(frames);
+        for (std::size_t i = 0; i < high_.size(); ++i)
+            destination[i] = static_cast<float>(high_[i] * 256 + low_[i]) / 8388608.0f;
+        return frames;
+    }
+
+  private:
+    // The next frames, interleaved, as their upper 16 bits and the 8 below them.
+    std::uint64_t next(std::uint64_t frames) {
         frames = std::min(frames, frames_ - frame_);
         const std::size_t channels = starts_.size();
-        std::vector<std::int16_t> one(static_cast<std::size_t>(frames));
+        high_.assign(static_cast<std::size_t>(frames) * channels, 0);
+        low_.assign(high_.size(), 0);
         for (std::size_t channel = 0; channel < channels; ++channel) {
-            const std::uint64_t position = starts_[channel] + 2 * frame_;
-            frames = std::min<std::uint64_t>(frames, file_.readAt(position, one.data(), 2 * frames) / 2);
-            for (std::size_t i = 0; i < frames; ++i)
-                destination[i * channels + channel] = one[i];
+            const std::uint64_t at = starts_[channel] + frame_;
+            fill(high_, channel, one_, points_ + 2 * at, frames);
+            if (lowBytes_ > 0) fill(low_, channel, oneLow_, lowBytes_ + at, frames);
         }
         frame_ += frames;
         return frames;
     }
 
-    std::uint64_t read(float* destination, std::uint64_t frames) override {
-        std::vector<std::int16_t> values(static_cast<std::size_t>(std::min(frames, frames_ - frame_)) *
-                                         starts_.size());
-        frames = read(values.data(), frames);
-        for (std::size_t i = 0; i < frames * starts_.size(); ++i)
-            destination[i] = static_cast<float>(values[i]) / 32768.0f;
-        return frames;
+    template <typename T>
+    void fill(std::vector<T>& all, std::size_t channel, std::vector<T>& one, std::uint64_t position,
+              std::uint64_t frames) {
+        one.resize(static_cast<std::size_t>(frames));
+        const std::size_t got = file_.readAt(position, one.data(), frames * sizeof(T)) / sizeof(T);
+        for (std::size_t i = 0; i < got; ++i)
+            all[i * starts_.size() + channel] = one[i];
     }
 
-  private:
     File file_;
-    std::vector<std::uint64_t> starts_; // byte position of each channel
+    const std::uint64_t points_, lowBytes_;
+    std::vector<std::uint32_t> starts_; // point of each channel
     std::uint64_t frames_;
     std::uint64_t frame_ = 0;
+    std::vector<std::int16_t> high_, one_;
+    std::vector<std::uint8_t> low_, oneLow_;
 };
 
 } // namespace
@@ -54,9 +74,9 @@ class SoundFontFrames final : public FrameReader {
 std::unique_ptr<FrameReader> openFrames(const SoundFontFile& file, std::size_t left,
                                         std::optional<std::size_t> right) {
     const SoundFontSample& sample = file.samples[left];
-    std::vector<std::uint64_t> starts = {file.dataPosition + 2ull * sample.start};
-    if (right) starts.push_back(file.dataPosition + 2ull * file.samples[*right].start);
-    return std::make_unique<SoundFontFrames>(file.path, std::move(starts), sample.end - sample.start);
+    std::vector<std::uint32_t> starts = {sample.start};
+    if (right) starts.push_back(file.samples[*right].start);
+    return std::make_unique<SoundFontFrames>(file, std::move(starts), sample.end - sample.start);
 }
 
 } // namespace zarno

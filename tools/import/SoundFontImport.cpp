@@ -238,6 +238,7 @@ std::size_t PresetImport::sampleFor(std::size_t left, std::optional<std::size_t>
     made.format.sampleRate = static_cast<int>(sample.rate);
     made.format.channels = right ? 2 : 1;
     made.format.frames = sample.end - sample.start;
+    made.format.bits = file_->lowBytesPosition > 0 ? 24 : 16;
     made.open = [file = file_, left, right] { return openFrames(*file, left, right); };
     out_.samples.push_back(std::move(made));
     return found->second;

@@ -2,8 +2,12 @@
 #include "tools/import/SoundFontLibrary.h"
 
 #include "tools/import/SoundFontImport.h"
+#include "tools/import/SoundFontVoices.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
+
+#include <algorithm>
+#include <set>
 
 namespace zarno {
 namespace {
@@ -17,6 +21,21 @@ void importOne(const SoundFontFile& file, const SoundFontFile::Preset& preset, I
         if (panel) panel(model);
     };
     importInstrument(importPreset(file, preset, report), options, report);
+}
+
+// Each instrument file stands for itself, so that it can be moved or deleted alone.
+std::uint64_t samplesOfSeveral(const SoundFontFile& file, const std::set<std::size_t>& left) {
+    std::vector<int> users(file.samples.size(), 0);
+    for (std::size_t i = 0; i < file.presets.size(); ++i) {
+        if (left.contains(i)) continue;
+        std::set<std::size_t> own;
+        for (const SoundFontVoice& voice : voicesOf(file, file.presets[i]))
+            own.insert(voice.sample);
+        for (const std::size_t sample : own)
+            ++users[sample];
+    }
+    return static_cast<std::uint64_t>(
+        std::count_if(users.begin(), users.end(), [](int count) { return count > 1; }));
 }
 
 } // namespace
@@ -33,6 +52,7 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
     std::filesystem::create_directories(folder, failed);
     if (failed) throw MakerError(options.out, "the folder cannot be made");
     ImportReport whole = report;
+    std::set<std::size_t> left; // out, of the presets
     for (std::size_t i = 0; i < file.presets.size(); ++i) {
         ImportOptions one = options;
         one.out = utf8Text(folder / filePath(fileNameOf(file.presets[i]) + ".zse"));
@@ -46,6 +66,7 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
             importOne(file, file.presets[i], one, own);
         } catch (const MakerError& error) {
             whole.add("preset that plays nothing", "left out", error.what());
+            left.insert(i);
             continue;
         }
         for (const auto& remark : own.remarks())
@@ -57,6 +78,8 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
         whole.streaming |= own.streaming;
         whole.embedded = own.embedded;
     }
+    if (const std::uint64_t shared = samplesOfSeveral(file, left); shared > 0)
+        whole.add("sample that several presets play", "written once for each of them", file.path, shared);
     whole.target = options.out;
     report = whole;
 }

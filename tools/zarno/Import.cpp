@@ -25,7 +25,7 @@ namespace {
 struct Arguments {
     std::string source, out;
     std::string preset, panel;
-    bool embed = false, stream = false, memory = false, json = false;
+    bool embed = false, plain = false, stream = false, memory = false, json = false;
     FolderOptions folder;
 };
 
@@ -71,6 +71,7 @@ void import(const Arguments& arguments) {
     ImportOptions options;
     options.out = arguments.out;
     options.embed = arguments.embed;
+    options.plain = arguments.plain;
     options.storage = arguments.stream   ? SampleStorage::Stream
                       : arguments.memory ? SampleStorage::Memory
                                          : SampleStorage::Auto;
@@ -102,6 +103,8 @@ void addImportCommand(CLI::App& program) {
                      "The instrument file to write (*.zse); a folder for all presets of a SoundFont")
         ->required();
     command->add_flag("--embed", arguments->embed, "Put the samples into the instrument file");
+    command->add_flag("--plain", arguments->plain,
+                      "No filtered and shaped copies of samples: smaller, and brighter");
     auto* stream = command->add_flag("--stream", arguments->stream, "Samples are streamed from disk");
     command->add_flag("--memory", arguments->memory, "Samples are read into memory")->excludes(stream);
     command->add_option("--pattern", arguments->folder.pattern,
