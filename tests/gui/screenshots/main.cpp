@@ -117,6 +117,10 @@ class Session final : private juce::Timer {
             return;
         }
         if (isShown_) {
+            if (!hasItsMenu()) {
+                isGood_ = false;
+                std::cerr << steps_[step_].first << ": its menu did not open\n";
+            }
             save(steps_[step_++].first);
             juce::PopupMenu::dismissAllActiveMenus();
         } else if (step_ == steps_.size()) {
