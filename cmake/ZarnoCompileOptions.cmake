@@ -26,7 +26,7 @@ endif()
 if(ZARNO_COVERAGE)
     # Not the framework, which is then the ordinary build's. Without optimisation the duels would take an hour.
     target_compile_options(zarno_options INTERFACE --coverage -O1 -fprofile-update=atomic)
-    target_link_options(zarno_options INTERFACE --coverage)
+    add_link_options(--coverage) # of everything: what the framework links takes our code in, too
 endif()
 if(WIN32)
     # windows.h without its min and max macros and without what we never use; Windows 7 and later.
