@@ -75,8 +75,8 @@ TEST(Shaping, CopyAndEnvelopeTogetherHoldAndFall) {
     };
     for (const Case& each : {Case{300, 0.02, -96}, {0, 0.05, -20}, {500, 0.03, -12}, {400, 0.9, -96}}) {
         ImportedShaping shaping;
-        shaping.fall = {50.0, each.hold, each.slope, each.sustain};
-        const double coefficient = 1.0 - std::exp(-shaping.fall.engineSlope() / 8.685889638);
+        shaping.level = {0.0, 50.0, each.hold, each.slope, each.sustain, false};
+        const double coefficient = 1.0 - std::exp(-shaping.level.engineSlope() / 8.685889638);
         const auto floor = static_cast<float>(std::pow(10.0, each.sustain / 20.0));
         float envelope = 1.0f;
         for (int time = 0; time < 2000; ++time) {
@@ -114,8 +114,8 @@ TEST(Shaping, LoopsOfCopiesGoOnWithoutAStep) {
     parts[2].shaping.contour = {5.0, 10.0, 5.0, 30.0, 0.25};
     parts[2].shaping.contourToCutoff = 2400.0;
     parts[2].shaping.contourToPitch = -300.0;
-    parts[2].shaping.fall = {0.0, 20.0, 0.2, -6.0};
-    parts[3].shaping.swings[0] = {30.0, 6.1, 40.0, 0.0, 3.0, false};
+    parts[2].shaping.level = {0.0, 1.0, 20.0, 0.2, -6.0, false};
+    parts[3].shaping.swings[0] = {30.0, 6.1, 40.0, 0.0, 3.0};
     for (ShapedPart& part : parts) {
         part = withWholeTurns(part);
         const auto length = lengthOf(part);

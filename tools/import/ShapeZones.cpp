@@ -145,9 +145,9 @@ std::vector<ImportedZone> withoutShaping(std::vector<ImportedZone> zones, Import
         if (shaping.contourToPitch != 0.0) report.add("pitch envelope", "left out", zone.place);
         if (shaping.swings[0].exists() || shaping.swings[1].exists())
             report.add("vibrato or tremolo", "left out", zone.place);
-        if (shaping.silence > 0.0) report.add("delay", "left out", zone.place);
-        if (shaping.fall.exists())
-            report.add("hold, or decay to a sustain level", "a decay without a hold", zone.place);
+        if (shaping.level.exists())
+            report.add("delay, slow attack, hold or decay to a sustain level", "the engine's envelope",
+                       zone.place);
         zone.shaping = {};
     }
     return zones;

@@ -104,7 +104,7 @@ class ShapedFrames final : public FrameReader {
         , rate_(part.rate)
         , q_(shaping_.q())
         , frames_(frames)
-        , silence_(static_cast<std::uint64_t>(shaping_.silence * rate_ / 1000.0))
+        , silence_(static_cast<std::uint64_t>(shaping_.level.silence * rate_ / 1000.0))
         , channels_(std::min(mostChannels, static_cast<std::size_t>(std::max(source.format.channels, 1)))) {}
 
     std::uint64_t read(float* destination, std::uint64_t frames) override {
@@ -193,7 +193,7 @@ ShapedPart withWholeTurns(ShapedPart part) {
 // filter has forgotten what was before.
 ShapedLength lengthOf(const ShapedPart& part) {
     const double framesPerMs = part.rate / 1000.0;
-    const auto silence = static_cast<std::uint64_t>(part.shaping.silence * framesPerMs);
+    const auto silence = static_cast<std::uint64_t>(part.shaping.level.silence * framesPerMs);
     if (!part.loops()) return {part.end - part.start + silence, 0};
     const std::uint64_t before = part.loopStart > part.start ? part.loopStart - part.start : 0;
     const ImportedShaping& shaping = part.shaping;

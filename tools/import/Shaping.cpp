@@ -30,34 +30,40 @@ double ImportedContour::at(double time) const {
     return decay > 0.0 ? std::max(rest, 1.0 - time / decay) : rest;
 }
 
-double ImportedFall::engineSlope() const {
+double ImportedLevel::engineSlope() const {
     constexpr double mostHeadroom = 24.0; // dB: four bits of sixteen
-    return -sustain <= mostHeadroom ? slope : std::min(slope, mostHeadroom / std::max(hold, 1e-3));
+    return -sustain <= mostHeadroom ? slope : std::min(slope, mostHeadroom / std::max(silence + hold, 1e-3));
 }
 
-double ImportedFall::decibelsBehind(double time) const {
-    time = std::max(0.0, time - start);
-    const double wanted = std::max(sustain, -slope * std::max(0.0, time - hold));
+double ImportedLevel::wantedAt(double time) const {
+    if (time < silence + attack) return decibels(std::max(1e-5, (time - silence) / attack));
+    return falls() ? std::max(sustain, -slope * std::max(0.0, time - holdsUntil())) : 0.0;
+}
+
+double ImportedLevel::engineAt(double time) const {
+    constexpr double aim = 1.5873016; // of the engine's attack, which is over when it reaches 1
+    if (time < attack) return decibels(std::max(1e-5, std::min(1.0, aim * -std::expm1(-time / attack))));
+    if (!falls()) return 0.0;
     const double floor = std::pow(10.0, sustain / 20.0);
-    const double engine = floor + (1.0 - floor) * std::exp(-time * engineSlope() / decibelsPerTimeConstant);
-    return wanted - decibels(engine);
+    const double timeConstant = decibelsPerTimeConstant / engineSlope();
+    return decibels(floor + (1.0 - floor) * std::exp((attack - time) / timeConstant));
 }
 
-double ImportedFall::decibelsAt(double time) const {
-    return exists() ? decibelsBehind(std::min(time, end())) : 0.0;
+double ImportedLevel::decibelsAt(double time) const {
+    return exists() ? wantedAt(std::min(time, end())) - engineAt(std::min(time, end())) : 0.0;
 }
 
 // The engine is ahead until the hold ends, most of all then, and behind from then on.
-double ImportedFall::headroom() const {
-    return exists() ? decibelsBehind(start + hold) : 0.0;
+double ImportedLevel::headroom() const {
+    return exists() ? wantedAt(holdsUntil()) - engineAt(holdsUntil()) : 0.0;
 }
 
-double ImportedFall::end() const {
+double ImportedLevel::end() const {
     if (!exists()) return 0.0;
     constexpr double inaudible = -90.0;   // dB; a fall to below is a straight line in the engine, too
     constexpr double timeConstants = 4.0; // until the engine is within 0.2 dB of its sustain level
-    if (sustain < inaudible && engineSlope() == slope) return start + hold;
-    const double fallen = start + hold - sustain / slope;
+    if (!falls() || (sustain < inaudible && engineSlope() == slope)) return holdsUntil();
+    const double fallen = holdsUntil() - sustain / slope;
     return sustain < inaudible ? fallen : fallen + timeConstants * decibelsPerTimeConstant / engineSlope();
 }
 
@@ -73,10 +79,6 @@ double ImportedSwing::pitchAt(double time) const {
     if (pitch == 0.0 || time < delay) return 1.0;
     const double octaves = pitch / 1200.0 * std::numbers::ln2;
     return std::exp(octaves * at(time)) * octaves / std::sinh(octaves);
-}
-
-double ImportedSwing::levelAt(double time) const {
-    return onlySofter ? std::min(0.0, level * at(time)) : level * at(time);
 }
 
 double ImportedShaping::cutoffAt(double time) const {
@@ -99,9 +101,12 @@ double ImportedShaping::pitchAt(double time) const {
     return std::exp2(bend / 1200.0) * swings[0].pitchAt(time) * swings[1].pitchAt(time);
 }
 
+// No swing makes a level more than full.
 double ImportedShaping::levelAt(double time) const {
-    const double swing = swings[0].levelAt(time) + swings[1].levelAt(time);
-    return std::pow(10.0, (fall.decibelsAt(std::min(time, longest)) + swing - headroom()) / 20.0);
+    const double swing = swings[0].level * swings[0].at(time) + swings[1].level * swings[1].at(time);
+    time = std::min(time, longest);
+    const double added = level.decibelsAt(time) + std::min(swing, -level.wantedAt(time));
+    return std::pow(10.0, (added - headroom()) / 20.0);
 }
 
 double ImportedShaping::q() const {
@@ -109,16 +114,15 @@ double ImportedShaping::q() const {
 }
 
 double ImportedShaping::headroom() const {
-    double room = fall.headroom() + (cutoff > 0.0 ? std::max(0.0, decibels(q())) : 0.0);
-    for (const ImportedSwing& swing : swings)
-        if (!swing.onlySofter) room += std::fabs(swing.level);
+    double room = level.headroom() + (cutoff > 0.0 ? std::max(0.0, decibels(q())) : 0.0);
+    if (level.falls()) room += std::fabs(swings[0].level) + std::fabs(swings[1].level);
     return room;
 }
 
 double ImportedShaping::end() const {
     const bool moves = contourToPitch != 0.0 || (cutoff > 0.0 && contourToCutoff != 0.0);
-    const double rests = std::min(longest, std::max(fall.end(), moves ? contour.end() : 0.0));
-    return std::max({silence, rests, swings[0].delay, swings[1].delay});
+    const double rests = std::min(longest, std::max(level.end(), moves ? contour.end() : 0.0));
+    return std::max({level.silence, rests, swings[0].delay, swings[1].delay});
 }
 
 } // namespace zarno

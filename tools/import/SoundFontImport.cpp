@@ -59,7 +59,7 @@ double sustainOf(const SoundFontVoice& voice) {
     return -std::clamp(voice[Generator::VolEnvSustain] / 1000.0, 0.0, 1.0) * envelopeRange;
 }
 
-ImportedEnvelope envelopeOf(const SoundFontVoice& voice, const ImportedFall& fall) {
+ImportedEnvelope envelopeOf(const SoundFontVoice& voice, const ImportedLevel& level) {
     ImportedEnvelope made;
     made.attack = milliseconds(voice[Generator::VolEnvAttack]);
     made.release = envelope::releaseOfFall(milliseconds(voice[Generator::VolEnvRelease]), envelopeRange);
@@ -67,7 +67,7 @@ ImportedEnvelope envelopeOf(const SoundFontVoice& voice, const ImportedFall& fal
     if (made.sustain >= 0.0) return made;
     const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
     made.decay =
-        envelope::decayOfFall(fall.exists() ? envelopeRange / fall.engineSlope() : decay, envelopeRange);
+        envelope::decayOfFall(level.exists() ? envelopeRange / level.engineSlope() : decay, envelopeRange);
     made.decay = std::max(envelope::shortestDecay, made.decay);
     return made;
 }
@@ -102,16 +102,18 @@ double orNone(double time) {
     return time > noticeable ? time : 0.0;
 }
 
-ImportedFall fallOf(const SoundFontVoice& voice, double silence) {
-    ImportedFall fall;
-    fall.sustain = sustainOf(voice);
-    fall.start = milliseconds(voice[Generator::VolEnvAttack]);
-    fall.hold = silence + orNone(followedTime(voice, Generator::VolEnvHold, Generator::KeyToVolEnvHold));
+ImportedLevel levelOf(const SoundFontVoice& voice) {
+    constexpr double slowAttack = 200.0; // ms; the engine's bends up by 4 dB, most of all at the beginning
+    ImportedLevel level;
+    level.silence = orNone(milliseconds(voice[Generator::VolEnvDelay]));
+    level.attack = milliseconds(voice[Generator::VolEnvAttack]);
+    level.hold = orNone(followedTime(voice, Generator::VolEnvHold, Generator::KeyToVolEnvHold));
+    level.sustain = sustainOf(voice);
     const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
-    const bool isStraightLineToSilence = fall.hold == 0.0 && fall.sustain <= -envelopeRange;
-    if (fall.sustain < 0.0 && !isStraightLineToSilence)
-        fall.slope = envelopeRange / std::max(envelope::shortestDecay, decay);
-    return fall;
+    if (level.sustain < 0.0) level.slope = envelopeRange / std::max(envelope::shortestDecay, decay);
+    const bool isFallTheEngines = !level.falls() || (level.hold == 0.0 && level.sustain <= -envelopeRange);
+    level.isEngines = isFallTheEngines && level.silence == 0.0 && level.attack < slowAttack;
+    return level;
 }
 
 ImportedContour contourOf(const SoundFontVoice& voice) {
@@ -134,7 +136,6 @@ ImportedSwing swingOf(const SoundFontVoice& voice, Generator delay, Generator ra
     ImportedSwing swing;
     swing.delay = orNone(milliseconds(voice[delay]));
     swing.rate = keyZero * std::exp2(std::clamp(voice[rate], -16000, 4500) / 1200.0);
-    swing.onlySofter = sustainOf(voice) >= 0.0;
     return swing;
 }
 
@@ -159,9 +160,9 @@ ImportedShaping shapingOf(const SoundFontVoice& voice) {
     }
     shaping.contourToPitch = voice[Generator::ModEnvToPitch];
     if (shaping.contourToCutoff != 0.0 || shaping.contourToPitch != 0.0) shaping.contour = contourOf(voice);
-    shaping.silence = orNone(milliseconds(voice[Generator::VolEnvDelay]));
-    shaping.fall = fallOf(voice, shaping.silence);
+    shaping.level = levelOf(voice);
     shaping.swings = swingsOf(voice);
+    if (shaping.level.isEngines && shaping.swings[0].level == 0.0) shaping.level = {}; // nothing rests on it
     return shaping;
 }
 
@@ -269,7 +270,7 @@ void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, boo
         zone.volume += zone.velocityTracking * velocityDecibels * std::log10(std::min(velocity, 127) / 127.0);
         zone.velocityTracking = 0.0;
     }
-    zone.envelope = envelopeOf(voice, zone.shaping.fall);
+    zone.envelope = envelopeOf(voice, zone.shaping.level);
 }
 
 void PresetImport::setPoints(ImportedZone& zone, const SoundFontVoice& voice) {
