@@ -126,6 +126,8 @@ TEST(Shaping, LoopsOfCopiesGoOnWithoutAStep) {
             ASSERT_NEAR(frames[length.loopStart + i], frames[length.frames + i], 2e-3) << i;
     }
     EXPECT_NEAR(parts[3].shaping.swings[0].rate, 6.1, 0.07);
+    parts[3].shaping.longest = 20.0; // which is not as long as the swing waits
+    EXPECT_FALSE(withWholeTurns(parts[3]).shaping.swings[0].exists());
     EXPECT_EQ(framesOf(shapedSample(loopedSample(), parts[0]))[0], framesOf(loopedSample())[10]);
 }
 

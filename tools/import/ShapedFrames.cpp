@@ -172,7 +172,8 @@ ShapedPart withWholeTurns(ShapedPart part) {
     constexpr double closeEnough = 0.01, longest = 4.0; // s
     auto& swings = part.shaping.swings;
     for (ImportedSwing& swing : swings)
-        if (swing.rate * longest < 1.0) swing = {}; // a loop would have no end
+        if (swing.rate * longest < 1.0 || swing.delay > part.shaping.longest)
+            swing = {}; // no loop is that long
     const ImportedSwing& first = swings[0].exists() ? swings[0] : swings[1];
     if (!part.loops() || !first.exists()) return part;
     const double turnsPerPass = first.rate * static_cast<double>(part.end - part.loopStart) / part.rate;
