@@ -18,10 +18,9 @@ struct Library {
     std::vector<Entry> entries;
 
     /// Reads the names of every instrument below `folders`, each a search path: all "*.zse" of all folders
-    /// first, then all
-    /// "*.zs2". Within that, folder by folder and name by name, what lies in a folder before what lies
-    /// deeper. A file that is no instrument, or has no name or title, is left out. Reads the file headers and
-    /// nothing else. `alive` is called whenever a folder or a file has answered.
+    /// first, then all "*.zs2". Within that, folder by folder and name by name, what lies in a folder before
+    /// what lies deeper. A file that is no instrument, or has no name or title, is left out. Reads the file
+    /// headers and nothing else. `alive` is called whenever a folder or a file has answered.
     static Library scan(
         const std::vector<std::string>& folders, const SignOfLife& alive = [] {});
 

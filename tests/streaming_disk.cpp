@@ -39,7 +39,7 @@ class SlowDisk : public testing::Test {
     }
 
     static constexpr int chunk = 4096;
-    Gate gate; // opened before the instrument is destroyed, which waits for the disk thread
+    Gate gate; // opened before the instrument goes, which would leave the disk thread behind in it
     TestInstrument played{1};
 };
 
