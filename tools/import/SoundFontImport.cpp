@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SoundFontImport.h"
 
-#include "tools/import/EnvelopeTimes.h"
 #include "tools/import/SoundFontFrames.h"
+#include "tools/import/SoundFontShaping.h"
 #include "tools/import/SoundFontVoices.h"
 #include "tools/zarno/MakerError.h"
 
@@ -20,24 +20,13 @@ namespace {
 // How players of these files read their numbers; the reference implementation, where the standard and the
 // hardware it describes differ.
 constexpr double attenuationScale = 0.4;  // of initial attenuation
-constexpr double envelopeRange = 96.0;    // dB from full level to silence
 constexpr double velocityDecibels = 40.0; // for a factor of ten
 constexpr int fullVelocityAmount = 960;
-constexpr double noticeable = 5.0; // ms
-constexpr int openFilter = 13500;  // absolute cents
 constexpr int noKey = -1;
 constexpr int polyphony = 64; // presets are layered, and pairs of samples may be two voices
 
-double milliseconds(int timecents) {
-    return timecents <= -12000 ? 1.0 : 1000.0 * std::exp2(std::min(timecents, 8000) / 1200.0);
-}
-
 double attenuationOf(const SoundFontVoice& voice) { // dB
     return attenuationScale / 10.0 * voice[Generator::Attenuation];
-}
-
-double resonanceOf(const SoundFontVoice& voice) { // dB
-    return std::clamp(voice[Generator::FilterResonance], 0, 960) / 10.0;
 }
 
 // Equal power from side to side, as the louder side's gain and the other one's share of it.
@@ -47,29 +36,6 @@ void setPan(ImportedZone& zone, int pan) {
     const double left = std::cos(angle), right = std::sin(angle);
     zone.pan = right > left ? 1.0 - left / right : right / left - 1.0;
     zone.volume += 20.0 * std::log10(std::max(left, right) * std::numbers::sqrt2);
-}
-
-// A time that, above or below key 60, is longer or shorter.
-double followedTime(const SoundFontVoice& voice, Generator time, Generator byKey) {
-    const int middleKey = (voice.lowKey + voice.highKey) / 2;
-    return milliseconds(voice[time] + (60 - middleKey) * voice[byKey]);
-}
-
-double sustainOf(const SoundFontVoice& voice) {
-    return -std::clamp(voice[Generator::VolEnvSustain] / 1000.0, 0.0, 1.0) * envelopeRange;
-}
-
-ImportedEnvelope envelopeOf(const SoundFontVoice& voice, const ImportedLevel& level) {
-    ImportedEnvelope made;
-    made.attack = milliseconds(voice[Generator::VolEnvAttack]);
-    made.release = envelope::releaseOfFall(milliseconds(voice[Generator::VolEnvRelease]), envelopeRange);
-    made.sustain = sustainOf(voice);
-    if (made.sustain >= 0.0) return made;
-    const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
-    made.decay =
-        envelope::decayOfFall(level.exists() ? envelopeRange / level.engineSlope() : decay, envelopeRange);
-    made.decay = std::max(envelope::shortestDecay, made.decay);
-    return made;
 }
 
 // All that must be the same in the voices of a left and a right side.
@@ -96,74 +62,6 @@ bool areSides(std::size_t indexOfOne, const SoundFontSample& one, const SoundFon
                           s.correction);
     };
     return other.link == indexOfOne && other.type != one.type && shape(one) == shape(other);
-}
-
-double orNone(double time) {
-    return time > noticeable ? time : 0.0;
-}
-
-ImportedLevel levelOf(const SoundFontVoice& voice) {
-    constexpr double slowAttack = 200.0; // ms; the engine's bends up by 4 dB, most of all at the beginning
-    ImportedLevel level;
-    level.silence = orNone(milliseconds(voice[Generator::VolEnvDelay]));
-    level.attack = milliseconds(voice[Generator::VolEnvAttack]);
-    level.hold = orNone(followedTime(voice, Generator::VolEnvHold, Generator::KeyToVolEnvHold));
-    level.sustain = sustainOf(voice);
-    const double decay = followedTime(voice, Generator::VolEnvDecay, Generator::KeyToVolEnvDecay);
-    if (level.sustain < 0.0) level.slope = envelopeRange / std::max(envelope::shortestDecay, decay);
-    const bool isFallTheEngines = !level.falls() || (level.hold == 0.0 && level.sustain <= -envelopeRange);
-    level.isEngines = isFallTheEngines && level.silence == 0.0 && level.attack < slowAttack;
-    return level;
-}
-
-ImportedContour contourOf(const SoundFontVoice& voice) {
-    ImportedContour contour;
-    contour.delay = orNone(milliseconds(voice[Generator::ModEnvDelay]));
-    contour.attack = orNone(milliseconds(voice[Generator::ModEnvAttack]));
-    contour.hold = orNone(followedTime(voice, Generator::ModEnvHold, Generator::KeyToModEnvHold));
-    contour.decay = followedTime(voice, Generator::ModEnvDecay, Generator::KeyToModEnvDecay);
-    contour.rest = 1.0 - std::clamp(voice[Generator::ModEnvSustain] / 1000.0, 0.0, 1.0);
-    return contour;
-}
-
-constexpr double keyZero = 8.1758; // Hz of 0 cents
-
-double noLessThan(double least, double amount) {
-    return std::fabs(amount) < least ? 0.0 : amount;
-}
-
-ImportedSwing swingOf(const SoundFontVoice& voice, Generator delay, Generator rate) {
-    ImportedSwing swing;
-    swing.delay = orNone(milliseconds(voice[delay]));
-    swing.rate = keyZero * std::exp2(std::clamp(voice[rate], -16000, 4500) / 1200.0);
-    return swing;
-}
-
-std::array<ImportedSwing, 2> swingsOf(const SoundFontVoice& voice) {
-    ImportedSwing all = swingOf(voice, Generator::ModLfoDelay, Generator::ModLfoRate);
-    all.pitch = noLessThan(1.0, voice[Generator::ModLfoToPitch]);
-    all.cutoff = noLessThan(10.0, voice[Generator::ModLfoToFilter]);
-    all.level = noLessThan(0.5, voice[Generator::ModLfoToVolume] / 10.0);
-    ImportedSwing vibrato = swingOf(voice, Generator::VibLfoDelay, Generator::VibLfoRate);
-    vibrato.pitch = noLessThan(1.0, voice[Generator::VibLfoToPitch]);
-    return {all.exists() ? all : ImportedSwing{}, vibrato.exists() ? vibrato : ImportedSwing{}};
-}
-
-ImportedShaping shapingOf(const SoundFontVoice& voice) {
-    ImportedShaping shaping;
-    const int depth = voice[Generator::ModEnvToFilter];
-    const int cutoff = std::clamp(voice[Generator::FilterCutoff], 1500, openFilter);
-    if (cutoff + std::min(depth, 0) < openFilter) {
-        shaping.cutoff = keyZero * std::exp2(cutoff / 1200.0);
-        shaping.resonance = resonanceOf(voice);
-        shaping.contourToCutoff = depth;
-    }
-    shaping.contourToPitch = voice[Generator::ModEnvToPitch];
-    if (shaping.contourToCutoff != 0.0 || shaping.contourToPitch != 0.0) shaping.contour = contourOf(voice);
-    shaping.level = levelOf(voice);
-    shaping.swings = swingsOf(voice);
-    if (shaping.level.isEngines && shaping.swings[0].level == 0.0) shaping.level = {}; // nothing rests on it
-    return shaping;
 }
 
 class PresetImport {
@@ -262,7 +160,7 @@ void PresetImport::setPitch(ImportedZone& zone, const SoundFontVoice& voice) {
 
 void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair) {
     zone.volume = -attenuationOf(voice);
-    zone.volume -= resonanceOf(voice) / 2.0; // as the format has it, whether the filter is heard or not
+    zone.volume -= soundFontResonance(voice) / 2.0; // as the format has it, whether the filter is heard or not
     setPan(zone, voice[Generator::Pan]);
     if (isPair) zone.pan = 0.0; // both sides in full
     zone.velocityTracking = static_cast<double>(voice.velocityAmount) / fullVelocityAmount;
@@ -270,7 +168,7 @@ void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, boo
         zone.volume += zone.velocityTracking * velocityDecibels * std::log10(std::min(velocity, 127) / 127.0);
         zone.velocityTracking = 0.0;
     }
-    zone.envelope = envelopeOf(voice, zone.shaping.level);
+    zone.envelope = soundFontEnvelope(voice, zone.shaping.level);
 }
 
 void PresetImport::setPoints(ImportedZone& zone, const SoundFontVoice& voice) {
@@ -304,7 +202,7 @@ void PresetImport::addZone(const SoundFontVoice& voice, const SoundFontVoice* ri
     zone.keys = {voice.lowKey, voice.highKey};
     zone.velocities = {std::max(1, voice.lowVelocity), voice.highVelocity};
     zone.choke = std::max(0, voice[Generator::ExclusiveClass]);
-    zone.shaping = shapingOf(voice);
+    zone.shaping = soundFontShaping(voice);
     setPitch(zone, voice);
     setLevel(zone, voice, right != nullptr);
     setPoints(zone, voice);
