@@ -159,6 +159,24 @@ TEST(Shaping, ZonesBecomeNarrowEnoughForACopyEachAsLongAsThereIsRoom) {
     EXPECT_THAT(report.toText(), testing::HasSubstr("left out"));
 }
 
+TEST(Shaping, LittleRecordingsGetNoHundredsOfMegabytes) {
+    ImportedZone zone;
+    zone.keys = {40, 69};
+    zone.loop = LoopMode::Loop;
+    zone.loopEnd = 100;
+    zone.shaping.swings[0] = {0.0, 0.3, 10.0, 0.0, 0.0};
+    std::vector<ImportedZone> zones;
+    for (zone.shaping.cutoff = 300.0; zones.size() < 10; zone.shaping.cutoff += 1.0)
+        zones.push_back(zone);
+    ImportReport report;
+    std::vector<ImportedSample> samples = {sampleOf(100, [](std::uint64_t) { return 0.0f; })};
+    shapeZones(zones, samples, report);
+    std::uint64_t bytes = 0;
+    for (const ImportedSample& sample : samples)
+        bytes += 2 * sample.format.frames;
+    EXPECT_LE(bytes, 33u << 20);
+}
+
 TEST(Shaping, SeamsLieWhereTheCurveIsFlat) {
     const auto sample = sampleOf(1000, [](std::uint64_t i) {
         return static_cast<float>(std::sin(2.0 * pi * static_cast<double>(i) / 200.0));

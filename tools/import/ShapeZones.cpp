@@ -62,8 +62,8 @@ ShapedPart ZoneShaper::partOf(const ImportedZone& zone) const {
     if (zone.loop == LoopMode::Loop && zone.loopStart < std::min(zone.loopEnd, format.frames)) {
         part.end = std::min(zone.loopEnd, format.frames);
         part.loopStart = zone.loopStart;
-        constexpr double mostSpeed =
-            4.0; // two octaves up a second has four times as many frames, and no more above
+        // Two octaves up a second has four times as many frames, and no more above.
+        constexpr double mostSpeed = 4.0;
         part.shaping.longest = effort_.longest * std::min(1.0, mostSpeed * format.sampleRate / part.rate);
     }
     return withWholeTurns(part);
@@ -117,15 +117,25 @@ void ZoneShaper::addSamples(std::vector<ImportedSample>& samples) const {
     samples.insert(samples.end(), std::make_move_iterator(made.begin()), std::make_move_iterator(made.end()));
 }
 
+// Of 16-bit frames. What little there is may not ask for much: a file of a kilobyte can have copies of
+// hundreds of megabytes otherwise.
+std::uint64_t mostBytesFrom(const std::vector<ImportedSample>& samples) {
+    std::uint64_t bytes = leastShapedBytes;
+    for (const ImportedSample& sample : samples)
+        bytes += shapedBytesPerByte * 2 * std::min(sample.format.frames, mostShapedBytes / shapedBytesPerByte);
+    return std::min(bytes, mostShapedBytes);
+}
+
 } // namespace
 
 std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
                                      std::vector<ImportedSample>& samples, ImportReport& report) {
+    const std::uint64_t mostBytes = mostBytesFrom(samples);
     for (const Effort& effort : efforts) {
         ZoneShaper shaper(samples, effort);
         for (const ImportedZone& zone : zones)
             shaper.add(zone);
-        if (shaper.bytes() > mostShapedBytes || shaper.zones.size() > limits::importedZones) continue;
+        if (shaper.bytes() > mostBytes || shaper.zones.size() > limits::importedZones) continue;
         if (shaper.copies() > 0)
             report.add("filters and contours",
                        "done to copies of the samples, each for " + std::to_string(effort.keys) +

@@ -8,14 +8,17 @@ namespace zarno {
 
 /// Gives zones with a shaping copies of their samples that have it, and adds these to `samples`. A filter
 /// does not follow the key, and time does not run faster at higher ones, so a copy is for a few keys only,
-/// and a zone becomes several: as few keys as fit into `mostShapedBytes`. Where even the widest do not fit,
-/// zones stay as they are. Zones must follow keys as the engine does, see splitByKey().
+/// and a zone becomes several: as few keys as fit into what copies may take, see below. Where even the widest
+/// do not fit, zones stay as they are. Zones must follow keys as the engine does, see splitByKey().
 std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
                                      std::vector<ImportedSample>& samples, ImportReport& report);
 
 /// The zones as the engine alone can play them; says what that leaves out.
 std::vector<ImportedZone> withoutShaping(std::vector<ImportedZone> zones, ImportReport& report);
 
-inline constexpr std::uint64_t mostShapedBytes = 192u << 20; ///< of copies, in 16 bits
+/// Of copies, in 16 bits: so much, and for each byte of the samples so much more, but no more than that.
+inline constexpr std::uint64_t leastShapedBytes = 32u << 20;
+inline constexpr std::uint64_t shapedBytesPerByte = 2000;
+inline constexpr std::uint64_t mostShapedBytes = 192u << 20;
 
 } // namespace zarno

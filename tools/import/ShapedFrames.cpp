@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/ShapedFrames.h"
 
+#include "engine/Interpolation.h"
 #include "tools/import/LowPass.h"
 #include "tools/zarno/MakerError.h"
 
@@ -76,7 +77,7 @@ class BentFrames {
         Frame frame = window_[1];
         if (const auto t = static_cast<float>(fraction_); t != 0.0f)
             for (std::size_t c = 0; c < mostChannels; ++c)
-                frame[c] = between(t, window_[0][c], window_[1][c], window_[2][c], window_[3][c]);
+                frame[c] = interpolateMid(t, window_[0][c], window_[1][c], window_[2][c], window_[3][c]);
         for (fraction_ += speed; fraction_ >= 1.0; fraction_ -= 1.0) {
             std::rotate(window_.begin(), window_.begin() + 1, window_.end());
             window_.back() = frames_.next();
@@ -85,12 +86,6 @@ class BentFrames {
     }
 
   private:
-    static float between(float t, float y0, float y1, float y2, float y3) {
-        const float a = 0.5f * (3.0f * (y1 - y2) + y3 - y0);
-        const float b = y0 - 2.5f * y1 + 2.0f * y2 - 0.5f * y3;
-        return ((a * t + b) * t + 0.5f * (y2 - y0)) * t + y1;
-    }
-
     PartFrames frames_;
     std::array<Frame, 4> window_{};
     double fraction_ = 0.0;
