@@ -50,7 +50,8 @@ inline constexpr double searchMs = 2000.0; // looking for missing samples in one
 inline constexpr double unaskedPlaceMs = 2000.0;    // of it in one place that nobody chose
 inline constexpr double watchedPlaceMs = 10000.0;   // the same while the user watches
 inline constexpr std::size_t sidecarBytes = 4096;   // of a module's identity file; more is not read
-inline constexpr std::size_t songBytes = 268435456; // of a MIDI file to render
+inline constexpr std::size_t songBytes = 16777216;  // of a MIDI file to render
+inline constexpr double songSeconds = 86400.0;      // of the same
 
 // Importing
 inline constexpr std::size_t importedZones = 262144; // of an instrument; short texts can ask for billions

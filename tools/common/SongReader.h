@@ -27,7 +27,7 @@ struct Song {
 };
 
 /// Reads a standard MIDI file: all tracks merged, tempo changes applied, everything but channel messages left
-/// out. None when the file is not one; `error` then says why.
+/// out. None when the file is not one, or beyond data/Limits.h; `error` then says why.
 std::optional<Song> readSong(const std::string& path, std::string& error);
 
 } // namespace zarno

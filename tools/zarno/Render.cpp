@@ -104,7 +104,7 @@ void printStats(const StreamStats& stats) {
 void renderOrThrow(const RenderOptions& options) {
     std::string error;
     const auto song = readSong(options.song, error);
-    if (!song) throw std::runtime_error(options.song + ": " + error);
+    if (!song) throw std::runtime_error(error);
 
     ZInstrument instrument;
     instrument.setSampleRate(static_cast<float>(options.rate));
