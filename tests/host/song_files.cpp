@@ -15,7 +15,8 @@ using namespace std::string_view_literals;
 
 // A note of 100 ticks, once more after 100, from two tracks' ends that differ.
 constexpr auto notes = "\0\x90\x3C\x40\x64\x80\x3C\0\x64\x91\x3D\x40\x64\x3D\0\0\xFF\x2F\0"sv;
-constexpr auto secondTempo = "\x64\xFF\x51\3\x0F\x42\x40\x82\x2C\xFF\x2F\0"sv; // at 100: 1 s a quarter; ends at 400
+constexpr auto secondTempo =
+    "\x64\xFF\x51\3\x0F\x42\x40\x82\x2C\xFF\x2F\0"sv; // at 100: 1 s a quarter; ends at 400
 
 std::optional<Song> read(const std::string& bytes, std::string& error) {
     const test::TempFolder folder;

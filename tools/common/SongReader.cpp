@@ -67,7 +67,8 @@ std::vector<const juce::MidiMessage*> merged(const juce::MidiFile& file) {
     std::vector<const juce::MidiMessage*> all;
     for (int track = 0; track < file.getNumTracks(); ++track)
         for (const auto* holder : *file.getTrack(track))
-            if (isChannelMessage(holder->message) || isTempo(holder->message)) all.push_back(&holder->message);
+            if (isChannelMessage(holder->message) || isTempo(holder->message))
+                all.push_back(&holder->message);
     std::stable_sort(all.begin(), all.end(),
                      [](const auto* a, const auto* b) { return a->getTimeStamp() < b->getTimeStamp(); });
     return all;

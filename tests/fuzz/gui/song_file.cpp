@@ -31,11 +31,8 @@ std::vector<std::string> seeds() {
             "RIFFsizeRMIDdatasize" + test::songBytes(1, {notes, notes, tempo})};
 }
 
-const Registered registered({"song_file",
-                             20000,
-                             run,
-                             seeds,
-                             {"MTrk", "MThd", "\xFF\x51\3", "\xFF\x2F", "\xF0", "\xF7", "\xFF\x7F"}});
+const Registered registered(
+    {"song_file", 20000, run, seeds, {"MTrk", "MThd", "\xFF\x51\3", "\xFF\x2F", "\xF0", "\xF7", "\xFF\x7F"}});
 
 } // namespace
 } // namespace zarno::fuzz
