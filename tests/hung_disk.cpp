@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // A disk that does not give a read back, as a share that has vanished. Worth most under the sanitizers.
-#ifdef __linux__
 #include "data/load/InstrumentLoader.h"
 #include "tests/support/Gate.h"
 #include "tests/support/InstrumentBuilder.h"
@@ -115,4 +114,3 @@ TEST_F(HungDisk, HoldsUpNobodyWhoChangesTheInstrument) {
 
 } // namespace
 } // namespace zarno
-#endif

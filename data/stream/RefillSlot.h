@@ -55,7 +55,10 @@ class RefillSlot {
         refill.dueMs = dueMs_.load(std::memory_order_acquire);
         return isCurrent(ticket) && refill.zone != nullptr;
     }
-    bool isCurrent(Ticket ticket) const { return posted_.load(std::memory_order_relaxed) == ticket; }
+    bool isCurrent(Ticket ticket) const {
+        thread::mustBe(thread::disk);
+        return posted_.load(std::memory_order_relaxed) == ticket;
+    }
     void complete(Ticket ticket) {
         thread::mustBe(thread::disk);
         done_.store(ticket, std::memory_order_release);

@@ -1,52 +1,23 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// A share that has vanished: the system does not give a read back. This program's own pread stands before the
-// library's for the module too, and keeps readers of one file as long as a test wants.
-#ifndef _WIN32
+// A share that has vanished: the system does not give a read back.
 #include "data/Limits.h"
 #include "tests/host/HostRig.h"
+#include "tests/host/HungFile.h"
 #include "tests/support/Gate.h"
 #include "tests/support/ThreadNames.h"
 #include "tests/support/WaveBuilder.h"
 
-#include <atomic>
 #include <chrono>
-#include <sys/syscall.h>
 #include <thread>
-#include <unistd.h>
-
-namespace {
-
-std::atomic<bool> hangs{false};
-std::atomic<int> hanging{0};
-
-bool isHungFile(int file) {
-    char name[512] = {};
-    const auto link = "/proc/self/fd/" + std::to_string(file);
-    return ::readlink(link.c_str(), name, sizeof name - 1) > 0 && std::string(name).ends_with("hung.wav");
-}
-
-} // namespace
-
-extern "C" __attribute__((visibility("default"))) ssize_t pread(int file, void* to, size_t count, off_t at) {
-    if (hangs && isHungFile(file)) {
-        ++hanging;
-        while (hangs)
-            std::this_thread::sleep_for(std::chrono::milliseconds(1));
-        --hanging;
-    }
-    return ::syscall(SYS_pread64, file, to, count, at);
-}
 
 namespace zarno::test {
 namespace {
 
+using hungFile::hanging;
+using hungFile::hangs;
+using hungFile::isLoaded;
 using Clock = std::chrono::steady_clock;
-
-bool isMapped(const std::string& module) {
-    std::ifstream maps("/proc/self/maps");
-    const std::string text{std::istreambuf_iterator<char>(maps), {}};
-    return text.find(module) != std::string::npos;
-}
+using Plugin = std::unique_ptr<HostedPlugin>;
 
 // "hung.wav" on a share that vanishes when a test says so.
 class HungReads : public testing::Test {
@@ -57,8 +28,8 @@ class HungReads : public testing::Test {
         builder.storage = 0;
         builder.settings.streaming = builder.settings.streamingStored = 1;
         builder.settings.streamBufferFrames = builder.settings.streamBufferFramesStored = 256;
-        builder.groups[0].zones = {zone("hung.wav")};
-        rig.addInstrument("hung.wav", rampWave(20000));
+        builder.groups[0].zones = {zone(hungFile::name)};
+        rig.addInstrument(hungFile::name, rampWave(20000));
         rig.addInstrument("b hung.zse", builder.bytes());
     }
     ~HungReads() override {
@@ -67,6 +38,11 @@ class HungReads : public testing::Test {
         EXPECT_TRUE(comesTrue([] { return threadsNamed("ZSE Disk Thread") == 0; }));
         const auto plugin = rig.loadActive();
         EXPECT_TRUE(plugin && firstSound(render(*plugin, 512, {{5, noteOn(60)}}).left) == 5);
+    }
+    Plugin load(bool active) {
+        auto plugin = active ? rig.loadActive() : rig.load();
+        if (plugin) hungFile::standBefore(rig.modulePath());
+        return plugin;
     }
     // How long it took, in seconds.
     double timed(const char* what, const std::function<void()>& act) {
@@ -82,21 +58,20 @@ class HungReads : public testing::Test {
 
 TEST_F(HungReads, TheInstanceClosesAndTheModuleStaysUntilTheyReturn) {
     for (int round = 1; round <= 3; ++round) {
-        auto plugin = rig.load();
+        auto plugin = load(false);
         ASSERT_TRUE(plugin);
         hangs = true;
         plugin->selectProgram(1);
         ASSERT_TRUE(comesTrue([&] { return hanging == round; }));
         EXPECT_LT(timed("closing during the load", [&] { plugin.reset(); }), 10.0);
         EXPECT_EQ(threadsNamed("ZSP Reader"), round);
-        ASSERT_TRUE(isMapped(rig.modulePath()));
+        ASSERT_TRUE(isLoaded(rig.modulePath()));
     }
 }
 
 // What a host asks while the disk thread hangs: nothing takes longer than the patience with one read, and a
 // margin for a machine under load. Not even while the audio thread of a bounce waits for that read.
 TEST_F(HungReads, OfTheDiskThreadHoldUpNoHost) {
-    using Plugin = std::unique_ptr<HostedPlugin>;
     std::vector<std::uint8_t> smallState;
     struct Act {
         const char* what;
@@ -115,7 +90,7 @@ TEST_F(HungReads, OfTheDiskThreadHoldUpNoHost) {
         {"closing", false, [](Plugin& plugin) { plugin.reset(); }},
     };
     for (const Act& act : acts) {
-        auto plugin = rig.loadActive();
+        auto plugin = load(true);
         ASSERT_TRUE(plugin);
         smallState = plugin->chunk();
         plugin->selectProgram(1);
@@ -128,7 +103,7 @@ TEST_F(HungReads, OfTheDiskThreadHoldUpNoHost) {
         EXPECT_LT(timed(act.what, [&] { act.act(plugin); }), limits::hungReadMs / 1000.0 + 5.0);
         if (act.bounces) audio.join();
         EXPECT_LT(timed("closing", [&] { plugin.reset(); }), limits::hungReadMs / 1000.0 + 5.0);
-        EXPECT_TRUE(isMapped(rig.modulePath()));
+        EXPECT_TRUE(isLoaded(rig.modulePath()));
         hangs = false;
         ASSERT_TRUE(comesTrue([] { return threadsNamed("ZSE Disk Thread") == 0; }));
     }
@@ -136,7 +111,7 @@ TEST_F(HungReads, OfTheDiskThreadHoldUpNoHost) {
 
 // The message thread of a host that opens a project waits for its instrument.
 TEST_F(HungReads, OfALoadThatTheHostWaitsForEndIt) {
-    const auto plugin = rig.loadActive();
+    const auto plugin = load(true);
     ASSERT_TRUE(plugin);
     plugin->selectProgram(1);
     ASSERT_TRUE(plugin->waitForLoading(20.0));
@@ -149,4 +124,3 @@ TEST_F(HungReads, OfALoadThatTheHostWaitsForEndIt) {
 
 } // namespace
 } // namespace zarno::test
-#endif
