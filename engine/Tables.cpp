@@ -2,6 +2,7 @@
 #include "engine/Tables.h"
 
 #include "engine/VelocityCurves.h"
+#include "platform/DefaultArithmetic.h"
 
 #include <array>
 #include <cmath>
@@ -26,8 +27,14 @@ std::array<float, decibelRange + 1> makeDecibelTable() {
     return table;
 }
 
-const auto centTable = makeCentTable();
-const auto decibelTable = makeDecibelTable();
+// Made when the module is loaded, by a thread of the host's.
+template <typename Make>
+auto madeWith(Make make) {
+    const DefaultArithmetic whateverTheHostUses;
+    return make();
+}
+const auto centTable = madeWith(makeCentTable);
+const auto decibelTable = madeWith(makeDecibelTable);
 
 } // namespace
 

@@ -2,8 +2,8 @@
 #include "gui/ControlBindings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
-#include <cstdio>
 #include <iterator>
 
 namespace zarno {
@@ -157,9 +157,9 @@ std::string knobText(const KnobBinding& knob, double position) {
     double value = knob.value(position);
     if (std::abs(value) < 0.005) value = 0.0; // no "-0.00"
     const int decimals = std::abs(value) < 10.0 ? 2 : std::abs(value) < 100.0 ? 1 : 0;
-    char text[64];
-    std::snprintf(text, sizeof text, "%.*f%s", decimals, value, knob.unit);
-    return text;
+    char text[400]; // the longest number there is; printf would write it as the host's locale says
+    const auto end = std::to_chars(text, std::end(text), value, std::chars_format::fixed, decimals).ptr;
+    return std::string(text, end) + knob.unit;
 }
 
 } // namespace zarno

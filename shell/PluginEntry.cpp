@@ -2,6 +2,7 @@
 // The one symbol a host looks for. The framework's wrapper does the work; its own entry goes by another name.
 // Ours stands before it and puts right what hosts are told.
 #include "engine/VoiceKernel.h"
+#include "platform/DefaultArithmetic.h"
 #include "shell/CZSP.h"
 #include "shell/EntryOpcodes.h"
 #include "shell/OpenEffects.h"
@@ -147,6 +148,7 @@ Vst2::VstIntPtr sendEvents(OpenEffect& open, Vst2::AEffect* effect, const HostCa
 
 Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
                          Vst2::VstIntPtr value, void* pointer, float option) {
+    const DefaultArithmetic whateverTheHostUses;
     const HostCall call{opcode, index, value, pointer, option};
     OpenEffect* open = effects().find(effect);
     if (open == nullptr) return 0;
@@ -167,6 +169,7 @@ Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::Vst
 }
 
 void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 frames) {
+    const DefaultArithmetic whateverTheHostUses;
     if (OpenEffect* open = effects().find(effect)) open->gate.process(outputs, frames);
 }
 
@@ -175,6 +178,7 @@ void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 fra
 
 ZARNO_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
     using namespace zarno;
+    const DefaultArithmetic whateverTheHostUses;
     takeCreatedProcessor();
     Vst2::AEffect* effect = zarnoWrapperMain(host);
     CZSP* processor = takeCreatedProcessor();

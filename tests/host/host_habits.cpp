@@ -7,6 +7,9 @@
 
 #include <atomic>
 #include <thread>
+#ifdef __SSE2__
+#include <xmmintrin.h>
+#endif
 
 namespace zarno::test {
 namespace {
@@ -209,6 +212,39 @@ TEST_F(HostHabits, ThirtyInstancesAtOnceEachOnItsThread) {
     while (!plugins.empty())
         plugins.pop_back();
 }
+
+#ifdef __SSE2__
+// As some compilers set the processor up for their programs: results rounded down, and an exception for each
+// division by zero, overflow and invalid operation.
+class ForeignArithmetic {
+  public:
+    ForeignArithmetic()
+        : usual_(_mm_getcsr()) {
+        _mm_setcsr(foreign);
+    }
+    ~ForeignArithmetic() { _mm_setcsr(usual_); }
+    static bool isLeftAlone() { return (_mm_getcsr() & ~_MM_EXCEPT_MASK) == foreign; }
+
+  private:
+    static constexpr unsigned masks =
+        _MM_MASK_MASK & ~(_MM_MASK_INVALID | _MM_MASK_DIV_ZERO | _MM_MASK_OVERFLOW);
+    static constexpr unsigned foreign = masks | _MM_ROUND_DOWN;
+
+    unsigned usual_;
+};
+
+TEST_F(HostHabits, ArithmeticThatTheHostHasSetUpForItselfIsNotOurs) {
+    plain();
+    const ForeignArithmetic arithmetic;
+    auto plugin = fresh();
+    EXPECT_TRUE(ForeignArithmetic::isLeftAlone());
+    EXPECT_TRUE(render(*plugin, frames, piece()) == plain());
+    EXPECT_TRUE(ForeignArithmetic::isLeftAlone());
+    plugin->restore(plugin->chunk());
+    plugin.reset();
+    EXPECT_TRUE(ForeignArithmetic::isLeftAlone());
+}
+#endif
 
 // Nobody promises on which thread a host saves, restores, switches programs, or turns processing off.
 TEST_F(HostHabits, AnyThreadSavesRestoresAndStopsWhileAudioRenders) {
