@@ -5,6 +5,7 @@
 #include "platform/DefaultArithmetic.h"
 #include "shell/CZSP.h"
 #include "shell/EntryOpcodes.h"
+#include "shell/HostCall.h"
 #include "shell/OpenEffects.h"
 #include "shell/PluginFilter.h"
 
@@ -24,20 +25,12 @@ namespace {
 constexpr Vst2::VstInt32 hostVersion = 0x20105; // 131333
 constexpr std::size_t longestProgramName = 24, longestText = 64;
 
-struct HostCall {
-    Vst2::VstInt32 opcode, index;
-    Vst2::VstIntPtr value;
-    void* pointer;
-    float option;
-};
-
 OpenEffects& effects() {
     static OpenEffects instance;
     return instance;
 }
 
 Vst2::VstIntPtr giveText(void* destination, const juce::String& text, std::size_t longest) {
-    if (destination == nullptr) return 0;
     text.copyToUTF8(static_cast<char*>(destination), longest + 1);
     return text.isNotEmpty() ? 1 : 0;
 }
@@ -70,7 +63,6 @@ Vst2::VstIntPtr vendorSpecific(CZSP& processor, Vst2::VstIntPtr operation, void*
 }
 
 Vst2::VstIntPtr giveChunk(OpenEffect& open, void* destination) {
-    if (destination == nullptr) return 0;
     juce::MemoryBlock& chunk = open.freshChunk();
     *static_cast<void**>(destination) = chunk.getData();
     return static_cast<Vst2::VstIntPtr>(chunk.getSize());
@@ -140,7 +132,7 @@ Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
 }
 
 Vst2::VstIntPtr sendEvents(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
-    if (call.pointer == nullptr || !open.gate.enter()) return 0;
+    if (!open.gate.enter()) return 0;
     const auto result = callWrapper(open, effect, call);
     open.gate.leave();
     return result;
@@ -151,7 +143,7 @@ Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::Vst
     const DefaultArithmetic whateverTheHostUses;
     const HostCall call{opcode, index, value, pointer, option};
     OpenEffect* open = effects().find(effect);
-    if (open == nullptr) return 0;
+    if (open == nullptr || !makesSense(call)) return 0;
     switch (opcode) {
     case Vst2::effProcessEvents:
         return sendEvents(*open, effect, call);

@@ -246,6 +246,26 @@ TEST_F(HostHabits, ArithmeticThatTheHostHasSetUpForItselfIsNotOurs) {
 }
 #endif
 
+// Everything that can be asked, with nothing to write the answer to and numbers that mean nothing.
+TEST_F(HostHabits, CallsThatMakeNoSenseHarmNobody) {
+    const auto plugin = fresh();
+    constexpr auto most = std::numeric_limits<std::int32_t>::max();
+    for (int opcode = -1; opcode <= 100; ++opcode) {
+        if (opcode == Vst2::effClose) continue;
+        const bool isPointer =
+            opcode == Vst2::effSetSpeakerArrangement || opcode == Vst2::effGetSpeakerArrangement;
+        for (const int number : {0, 1, -1, 7, most, -most - 1})
+            for (const float option : {0.0f, -1.0f, 1e30f, std::numeric_limits<float>::quiet_NaN()})
+                plugin->call(opcode, number, isPointer ? 0 : number, nullptr, option);
+    }
+    plugin->call(Vst2::effSetProgram);
+    EXPECT_TRUE(plugin->waitForLoading(20.0));
+    plugin->call(Vst2::effSetBypass);
+    plugin->activate();
+    plugin->seedRandom(5);
+    EXPECT_TRUE(render(*plugin, frames, piece()) == plain());
+}
+
 // Nobody promises on which thread a host saves, restores, switches programs, or turns processing off.
 TEST_F(HostHabits, AnyThreadSavesRestoresAndStopsWhileAudioRenders) {
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());
