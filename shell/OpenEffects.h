@@ -2,12 +2,14 @@
 #pragma once
 
 #include "shell/AudioGate.h"
+#include "shell/WindowErrors.h"
 
 #include <juce_core/juce_core.h>
 
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <thread>
 
 namespace zarno {
@@ -24,6 +26,7 @@ struct OpenEffect {
     CZSP& processor;
     AudioGate gate;
     const Vst2::AEffectDispatcherProc wrapper;
+    std::optional<WindowErrors> windowErrors; ///< while the editor is open
 
     /// The state as of now. Stays where it is until the same thread asks again, whatever other threads do.
     juce::MemoryBlock& freshChunk();

@@ -2,6 +2,7 @@
 // The window as a host opens it. Needs a display.
 #include "tests/host/HostRig.h"
 #include "tools/vsthost/HostWindow.h"
+#include "tools/vsthost/NativeWindow.h"
 
 #include <gtest/gtest.h>
 
@@ -144,6 +145,34 @@ TEST(WindowOnScreen, PaintsWhatChanges) {
 
 // Editors of two instances, opened before processing is turned on, twice without being closed, closed in any
 // order.
+// A host that closes its own window first, and the editor afterwards or never.
+TEST(WindowOnScreen, WhoseParentIsDestroyedUnderIt) {
+    HostRig rig;
+    rig.addInstrument("level.zse", levelInstrument("Level").bytes());
+    const auto plugin = rig.loadActive();
+    ASSERT_TRUE(plugin);
+    const auto idle = [&] {
+        for (int i = 0; i < 10; ++i) {
+            plugin->idle();
+            std::this_thread::sleep_for(std::chrono::milliseconds(20));
+        }
+    };
+    for (const bool closes : {true, false, true}) {
+        auto parent = NativeWindow::create(plugin->editorSize());
+        ASSERT_TRUE(parent);
+        ASSERT_TRUE(plugin->openEditor(parent->handle()));
+        idle();
+        parent.reset();
+        idle();
+        if (closes) plugin->closeEditor();
+        const auto again = openWindow(*plugin);
+        again->run(0.2);
+        const auto pixels = again->picture().pixels;
+        EXPECT_GT(std::set(pixels.begin(), pixels.end()).size(), 20u) << "it is drawn again";
+    }
+    EXPECT_EQ(firstSound(render(*plugin, 512, {{7, noteOn(60)}}).left), 7);
+}
+
 TEST(WindowOnScreen, OfTwoInstancesInAnyOrder) {
     HostRig rig;
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());

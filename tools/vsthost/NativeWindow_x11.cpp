@@ -11,12 +11,6 @@ void pumpMessages() {}
 
 namespace {
 
-// Without a window manager some requests of the plug-in's end in an error, which the library's own handler
-// would end the process for.
-int ignoreError(Display*, XErrorEvent*) {
-    return 0;
-}
-
 class X11Window : public NativeWindow {
   public:
     X11Window(Display* display, HostedPlugin::Size size)
@@ -77,7 +71,6 @@ class X11Window : public NativeWindow {
 std::unique_ptr<NativeWindow> NativeWindow::create(HostedPlugin::Size size) {
     Display* display = XOpenDisplay(nullptr);
     if (display == nullptr) return nullptr;
-    XSetErrorHandler(ignoreError);
     return std::make_unique<X11Window>(display, size);
 }
 
