@@ -89,20 +89,18 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
     }
 }
 
+// Bypassed, MIDI goes on being heeded, so that pedals and keyswitches are right afterwards, but no voice
+// outlives the block.
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     const thread::Acts asAudio(thread::audio);
+    const bool unheard = bypassed_;
+    if (unheard) engine_.requestStop();
     postEvents(midi);
     midi.clear();
     auto** channels =
         const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
     engine_.renderBlock(channels, audio.getNumChannels(), audio.getNumSamples());
-}
-
-// MIDI goes on being heeded, so that pedals and keyswitches are right afterwards, but no voice outlives the
-// block.
-void CZSP::processBlockBypassed(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
-    engine_.requestStop();
-    processBlock(audio, midi);
+    if (!unheard) return;
     audio.clear();
     engine_.requestStop();
 }

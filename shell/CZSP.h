@@ -46,9 +46,9 @@ class CZSP final : public juce::AudioProcessor,
     void releaseResources() override {}
     void setNonRealtime(bool nonRealtime) noexcept override;
     void processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
-    void processBlockBypassed(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
     using juce::AudioProcessor::processBlock;
-    using juce::AudioProcessor::processBlockBypassed;
+    /// [any] From the next block on: silence, during which MIDI is heeded still.
+    void setBypassed(bool bypassed) { bypassed_ = bypassed; }
     /// All voices stop at the next block's start, and nothing that waits begins.
     void reset() override { engine_.requestStop(); }
 
@@ -135,6 +135,7 @@ class CZSP final : public juce::AudioProcessor,
     ZInstrument engine_;
     KeyboardRoute keyboardRoute_{engine_};
     Library library_;
+    std::atomic<bool> bypassed_{false};
     std::atomic<bool> loading_{false};
     std::atomic<bool> lastLoadSucceeded_{true};
     std::atomic<double> progress_{-1.0};

@@ -78,6 +78,9 @@ std::optional<Vst2::VstIntPtr> answer(OpenEffect& open, Vst2::VstInt32 opcode, V
     case Vst2::effSetProgram:
         processor.setCurrentProgram(static_cast<int>(value));
         return 0;
+    case Vst2::effSetBypass: // the wrapper's own flag is no atomic
+        processor.setBypassed(value != 0);
+        return 1;
     case Vst2::effGetProgram:
         return processor.getCurrentProgram();
     case Vst2::effGetProgramName:
