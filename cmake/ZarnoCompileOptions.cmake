@@ -22,6 +22,9 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
 endif()
 if(ZARNO_THREAD_CHECKS OR ZARNO_FUZZ)
     target_compile_definitions(zarno_options INTERFACE _GLIBCXX_ASSERTIONS) # indices, std::clamp and the like
+    if(CMAKE_CXX_FLAGS MATCHES "undefined") # of which GCC leaves this out
+        target_compile_options(zarno_options INTERFACE -fsanitize=float-cast-overflow -fno-sanitize-recover=float-cast-overflow)
+    endif()
 endif()
 if(ZARNO_COVERAGE)
     # Not the framework, which is then the ordinary build's. Without optimisation the duels would take an hour.

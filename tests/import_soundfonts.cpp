@@ -125,6 +125,13 @@ TEST_F(SoundFonts, FixedKeysVelocitiesAndEnvelopesBecomeWhatTheEngineHas) {
     builder.modulators = {{0, {0x0502, 48, 480, 0, 0}}, {0, {0x0081, 6, 50, 0, 0}}};
     EXPECT_EQ(import(builder).zones.at(0).velocityTracking, 0.5);
     EXPECT_EQ(report.count("modulator"), 1u);
+
+    // So little takes so much of the level away that the velocity for it is no number.
+    SoundFontBuilder steep;
+    steep.modulators = {{0, {0x0502, 48, 1, 0, 0}}};
+    steep.preset = {{{G::Attenuation, 1000}, {G::Instrument, 0}}};
+    ASSERT_EQ(import(steep).zones.size(), 1u);
+    EXPECT_EQ(import(steep).zones[0].velocities, (ImportedRange{1, 127}));
 }
 
 TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {

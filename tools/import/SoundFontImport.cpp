@@ -215,9 +215,9 @@ void PresetImport::addZone(const SoundFontVoice& voice, const SoundFontVoice* ri
 // A zone that is louder than full level is so until velocity has made up for it: no voice is louder than
 // that.
 void PresetImport::addLayers(ImportedZone zone, double attenuation) {
-    const double softer = attenuation / velocityDecibels; // decades of velocity
+    const double decades = std::min(attenuation, 0.0) / velocityDecibels; // of velocity
     const int loudest = zone.velocityTracking > 0.0
-                            ? static_cast<int>(127.0 * std::pow(10.0, softer / zone.velocityTracking))
+                            ? static_cast<int>(127.0 * std::pow(10.0, decades / zone.velocityTracking))
                             : 0;
     if (attenuation < 0.0 && loudest < zone.velocities.high) {
         ImportedZone full = zone;
