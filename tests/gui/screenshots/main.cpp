@@ -67,12 +67,14 @@ class Session final : private juce::Timer {
                   {"missing-samples", [this] { miss(); }},
                   {"example", [this] { showExample(); }},
                   {"zoom-200", [this] { zoom(); }}};
-        startTimer(500);
+        startTimer(stepMs);
     }
 
     bool isGood() const { return isGood_; }
 
   private:
+    static constexpr int stepMs = 500; // the window has drawn what there is by then
+
     void holdKeys() {
         for (const int key : {60, 66})
             window_->panel().keyboardState().noteOn(1, key, 0.8f);
@@ -112,6 +114,11 @@ class Session final : private juce::Timer {
     }
 
     void timerCallback() override {
+        step();
+        if (isTimerRunning()) startTimer(stepMs); // from now on, however long the step took
+    }
+
+    void step() {
         if (isShown_ && !hasItsMenu() && ++tries_ < 20) {
             steps_[step_].second();
             return;
