@@ -14,6 +14,7 @@ constexpr int centRange = 2400;    // +-24 semitones
 constexpr int decibelRange = 6000; // 0 .. -60 dB in hundredths
 
 std::array<float, 2 * centRange + 1> makeCentTable() {
+    const DefaultArithmetic whateverTheHostUses;
     std::array<float, 2 * centRange + 1> table{};
     for (int cents = -centRange; cents <= centRange; ++cents)
         table[static_cast<std::size_t>(cents + centRange)] = static_cast<float>(std::exp2(cents / 1200.0));
@@ -21,6 +22,7 @@ std::array<float, 2 * centRange + 1> makeCentTable() {
 }
 
 std::array<float, decibelRange + 1> makeDecibelTable() {
+    const DefaultArithmetic whateverTheHostUses;
     std::array<float, decibelRange + 1> table{};
     for (int i = -decibelRange; i <= 0; ++i)
         table[static_cast<std::size_t>(i + decibelRange)] = static_cast<float>(std::pow(10.0, i / 2000.0));
@@ -28,13 +30,8 @@ std::array<float, decibelRange + 1> makeDecibelTable() {
 }
 
 // Made when the module is loaded, by a thread of the host's.
-template <typename Make>
-auto madeWith(Make make) {
-    const DefaultArithmetic whateverTheHostUses;
-    return make();
-}
-const auto centTable = madeWith(makeCentTable);
-const auto decibelTable = madeWith(makeDecibelTable);
+const auto centTable = makeCentTable();
+const auto decibelTable = makeDecibelTable();
 
 } // namespace
 

@@ -143,8 +143,6 @@ TEST(WindowOnScreen, PaintsWhatChanges) {
     EXPECT_LT(differing(shown({0, noteOff(60)}), silent), ofTheKey / 10);
 }
 
-// Editors of two instances, opened before processing is turned on, twice without being closed, closed in any
-// order.
 // A host that closes its own window first, and the editor afterwards or never.
 TEST(WindowOnScreen, WhoseParentIsDestroyedUnderIt) {
     HostRig rig;
@@ -173,6 +171,8 @@ TEST(WindowOnScreen, WhoseParentIsDestroyedUnderIt) {
     EXPECT_EQ(firstSound(render(*plugin, 512, {{7, noteOn(60)}}).left), 7);
 }
 
+// Editors of two instances, opened before processing is turned on, twice without being closed, closed in any
+// order.
 TEST(WindowOnScreen, OfTwoInstancesInAnyOrder) {
     HostRig rig;
     rig.addInstrument("level.zse", levelInstrument("Level").bytes());
