@@ -66,8 +66,7 @@ void CZSP::prepareToPlay(double sampleRate, int) {
 
 // A note-off or a pedal-up that the host sent while we were stopped or suspended never reached us.
 void CZSP::releaseAllNotes() {
-    engine_.postEvent(midi::controller, 0, 64, 0, 0);
-    engine_.postEvent(midi::controller, 0, 123, 0, 0);
+    engine_.requestRelease();
 }
 
 void CZSP::setNonRealtime(bool nonRealtime) noexcept {
