@@ -36,7 +36,7 @@ CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     : AudioProcessorEditor(processor)
     , link_(link)
     , panel_({this, this, this}, &link.keyboardRoute(),
-             [this](const juce::String& caption, const juce::String& text) { showMessage(caption, text); })
+             [this](const juce::String& caption, const juce::String& text) { showPanelProblem(caption, text); })
     , list_(link.instrumentList(), [this] { return link_.instrumentTitles(); }) {
     setSize(600, 250);
     setWantsKeyboardFocus(true);
@@ -65,6 +65,7 @@ void CZSPGUI::connectBar() {
     bar_.onGroupMenu = [this](auto& source) { showGroupMenu(source); };
     bar_.onList = [this](auto&) { openInstrumentList(); };
     bar_.onMissing = [this](auto& source) { showMissingMenu(source); };
+    bar_.onLocate = [this](auto&) { locateInstrument(); };
     bar_.onTryAgain = [this](auto&) { link_.tryAgain(); };
     bar_.onZoom = [this](auto& source) { showZoomMenu(source); };
 }
@@ -125,6 +126,10 @@ void CZSPGUI::loadingFinished() {
     rebuildPlayer();
 }
 
+void CZSPGUI::loadFailed() {
+    showBox("Zarno Sampler Player", "Unable to load this instrument.");
+}
+
 void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                                  std::function<void(const juce::File&)> answer) {
     question_.locateSampleFolder(sampleName, start, std::move(answer));
@@ -170,6 +175,7 @@ void CZSPGUI::refreshContents() {
     }
     activeGroupNames_ = active.joinIntoString(", ");
     missingText_ = missingText(link_.missingSamples());
+    lastLoad_ = link_.lastLoad();
     refresh_.forget();
 }
 
@@ -207,6 +213,8 @@ void CZSPGUI::refreshBar() {
     if (!link_.isLoading()) {
         state.missing = missingText_;
         state.hasFailed = !link_.lastLoadSucceeded();
+        state.problem = lastLoad_.problem;
+        state.canLocate = lastLoad_.fileIsMissing;
     }
     bar_.show(state);
 }
@@ -333,6 +341,11 @@ void CZSPGUI::openInstrumentFile() {
     });
 }
 
+void CZSPGUI::locateInstrument() {
+    dialogs_.openInstrument(fileOf(link_.setting(lastFileKey)),
+                            [this](const juce::File& file) { link_.locateInstrument(file); });
+}
+
 void CZSPGUI::openInstrumentList() {
     if (list_.isVisible())
         list_.setVisible(false);
@@ -355,13 +368,14 @@ bool CZSPGUI::keyStateChanged(bool isKeyDown) {
     return !keyboards.empty() && !list_.isVisible() && keyboards.front()->keyStateChanged(isKeyDown);
 }
 
-// On Windows the system's own box, later: it runs messages of its own, and now the panel is being built.
-// Elsewhere one of the framework's, which does not block and goes with the window.
-void CZSPGUI::showMessage(const juce::String& caption, const juce::String& text) {
-    if (!link_.takeTurnToTell()) return;
+void CZSPGUI::showPanelProblem(const juce::String& caption, const juce::String& text) {
+    if (link_.takeTurnToTell()) showBox(caption, text);
+}
+
+// On Windows the system's own box, which outlives the window. Elsewhere one of JUCE's that goes with the window.
+void CZSPGUI::showBox(const juce::String& caption, const juce::String& text) {
 #if JUCE_WINDOWS
-    juce::MessageManager::callAsync(
-        [caption, text] { showMessageBox(caption.toStdString(), text.toStdString()); });
+    showMessageBox(caption.toStdString(), text.toStdString());
 #else
     box_ = std::make_unique<juce::AlertWindow>(caption, text, juce::MessageBoxIconType::WarningIcon, this);
     box_->addButton("OK", 0, juce::KeyPress(juce::KeyPress::returnKey),

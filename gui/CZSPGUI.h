@@ -48,10 +48,12 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void showMissingMenu(juce::Component& source);
     void showZoomMenu(juce::Component& source);
     void openInstrumentFile();
+    void locateInstrument();
     void openInstrumentList();
 
     void loadingStarted() override;
     void loadingFinished() override;
+    void loadFailed() override;
     void askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                             std::function<void(const juce::File&)> answer) override;
 
@@ -85,7 +87,8 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void stepInstrument(int direction);
     void pickGroup(int group, bool toggle);
     void showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked);
-    void showMessage(const juce::String& caption, const juce::String& text);
+    void showPanelProblem(const juce::String& caption, const juce::String& text);
+    void showBox(const juce::String& caption, const juce::String& text);
     juce::String titleText() const;
     juce::StringArray information() const;
 
@@ -95,7 +98,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     StatusBar bar_;
     InstrumentListPanel list_;
     CLoadingComponent overlay_;
-    std::unique_ptr<juce::AlertWindow> box_; // what is wrong with the panel
+    std::unique_ptr<juce::AlertWindow> box_; // where the system's own box is not used
     FileDialogs dialogs_;                    // the user's own
     FileDialogs question_;                   // the load's
     juce::TooltipWindow tooltips_{this, 900};
@@ -108,6 +111,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     juce::String activeGroupNames_;
     juce::StringArray groupNames_;
     juce::String missingText_;
+    EditorLink::LoadReport lastLoad_;
     std::uint32_t groupsSeen_ = 0;
     int zoomPercent_ = 100;
 };
