@@ -178,12 +178,12 @@ TEST_F(Window, TypingFindsOneOfFiveHundredInstruments) {
     EXPECT_FALSE(window->instrumentList().isVisible());
 
     window->openInstrumentList();
-    for (juce::Component* place : {static_cast<juce::Component*>(&list.getVerticalScrollBar()),
-                                   list.getComponentForRowNumber(link.index)}) {
+    for (const auto place : {list.getVerticalScrollBar().getBounds().getCentre(),
+                             list.getRowPosition(link.index, true).getCentre()}) {
         EXPECT_TRUE(window->instrumentList().isVisible());
         window->instrumentList().mouseDoubleClick(
-            {juce::Desktop::getInstance().getMainMouseSource(), {3.0f, 3.0f}, {}, 1.0f, 0.0f, 0.0f, 0.0f,
-             0.0f, place, place, juce::Time(), {3.0f, 3.0f}, juce::Time(), 2, false});
+            {juce::Desktop::getInstance().getMainMouseSource(), place.toFloat(), {}, 1.0f, 0.0f, 0.0f, 0.0f,
+             0.0f, &list, &list, juce::Time(), place.toFloat(), juce::Time(), 2, false});
     }
     EXPECT_FALSE(window->instrumentList().isVisible());
 }
