@@ -4,6 +4,7 @@
 #include "gui/CLoadingComponent.h"
 #include "gui/CPlayerGUI.h"
 #include "gui/ControlRefresh.h"
+#include "gui/EngineAccess.h"
 #include "gui/FileDialogs.h"
 #include "gui/GroupSelection.h"
 #include "gui/InstrumentListPanel.h"
@@ -32,7 +33,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     CZSPGUI(juce::AudioProcessor& processor, EditorLink& link);
     ~CZSPGUI() override;
 
-    // Everything anew from the instrument that the engine holds.
+    // Everything anew from the instrument that the engine holds; later, when another thread has it just now.
     void rebuildPlayer();
     // What the clock of the window does 30 times a second: shows what has changed in the engine.
     void refresh();
@@ -58,6 +59,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
                             std::function<void(const juce::File&)> answer) override;
 
     void sliderValueChanged(juce::Slider*) override;
+    void sliderDragStarted(juce::Slider*) override;
     void sliderDragEnded(juce::Slider*) override;
     void buttonClicked(juce::Button*) override;
     void comboBoxChanged(juce::ComboBox*) override;
@@ -66,15 +68,18 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void filesDropped(const juce::StringArray& files, int x, int y) override;
 
     bool keyStateChanged(bool isKeyDown) override;
+    void parentHierarchyChanged() override;
     void paint(juce::Graphics&) override;
 
   private:
     void timerCallback() override;
     void connectBar();
     void fitToPanel();
+    void followAttachment();
 
     void refreshAll();
-    void refreshContents();
+    bool refreshContents();
+    void readContents();
     void refreshLabels();
     void refreshControls();
     void refreshKeyboards();
@@ -82,8 +87,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void refreshOverlay();
     void refreshActivity();
 
-    template <typename Edit>
-    void edit(Edit&& change);
+    void releaseDraggedKnob();
     void stepInstrument(int direction);
     void pickGroup(int group, bool toggle);
     void showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked);
@@ -105,7 +109,9 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     Repainter repainter_{*this};
 
     GroupSelection selection_;
+    EngineAccess access_{link_, selection_};
     ControlRefresh refresh_;
+    juce::Slider* dragged_ = nullptr; // the knob that the mouse holds
     KeyRoles roles_{};
     juce::String instrumentName_; // empty when nothing is loaded
     juce::String activeGroupNames_;
@@ -113,6 +119,9 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     juce::String missingText_;
     EditorLink::LoadReport lastLoad_;
     std::uint32_t groupsSeen_ = 0;
+    std::uint32_t loadSeen_ = 0; // the load that the panel was built from
+    bool rebuildDue_ = false;    // it could not be: another thread had the contents
+    bool isAttached_ = false;    // to a window of the system, which is when the processor knows of this
     int zoomPercent_ = 100;
 };
 
