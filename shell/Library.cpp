@@ -74,6 +74,12 @@ Library Library::scan(const std::vector<std::string>& folders, const SignOfLife&
     return library;
 }
 
+Library::Target Library::resolve(int index, const std::string& path) const {
+    if (path.empty() && contains(index)) return {entries[static_cast<std::size_t>(index)].path, index};
+    const int found = indexOf(path);
+    return {path, found >= 0 ? found : index};
+}
+
 int Library::indexOf(std::string_view path) const {
     return firstIndex(entries, [&](const Entry& entry) { return entry.path == path; });
 }

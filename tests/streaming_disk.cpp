@@ -158,7 +158,7 @@ class StreamedFiles : public testing::Test {
     }
     void play() {
         const LoadResult result = loadInstrument(instrument, folder.write("x.zse", file.bytes()));
-        ASSERT_TRUE(result) << result.reason;
+        ASSERT_TRUE(result) << sentence(result.problem);
         instrument.alwaysAwaitBuffers(true);
         instrument.postEvent(midi::noteOn, 0, 60, 127, 0);
         float* outputs[] = {left.data(), nullptr};

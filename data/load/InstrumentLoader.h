@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/load/LoadProblem.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,11 +14,11 @@ class ZInstrument;
 class ZSEDelegate;
 struct InstrumentContents;
 
-/// How a load ended. What the user is told about it is the caller's business.
+/// How a load ended. The caller decides what the user is told.
 struct LoadResult {
     bool loaded = false;
     bool opened = false;                  ///< the file could be opened: what was loaded before has to go
-    std::string reason;                   ///< why not loaded, for people; empty when it was
+    LoadProblem problem;                  ///< why not loaded; or, when loaded, what ended reading early
     std::vector<std::string> missing;     ///< paths of samples that were not found; their zones are left out
     std::vector<std::string> unsupported; ///< the same for samples that are there but cannot be read
 

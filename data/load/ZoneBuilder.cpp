@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/load/ZoneBuilder.h"
 
+#include "data/load/LoadProblem.h"
 #include "data/sound/SampleConvert.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "data/sound/ZWaveFile.h"
@@ -14,7 +15,8 @@
 namespace zarno {
 namespace {
 
-constexpr float newZoneRelease = 100.0f;    // ms
+constexpr float newZoneRelease = 100.0f; // ms
+constexpr std::uint64_t megabyte = 1000000;
 constexpr std::uint64_t floatChunk = 16384; // frames read at a time: what stays in the cache
 constexpr std::uint64_t shortChunk = 262144;
 
@@ -77,7 +79,7 @@ std::uint64_t ZoneBuilder::shareOfMemory() {
 // Before memory is asked for: systems promise more than they have, and then end the program that believes
 // them.
 void ZoneBuilder::take(std::uint64_t bytes) {
-    if (bytes > bytesLeft_) throw std::bad_alloc();
+    if (bytes > bytesLeft_) throw LimitExceeded(mostBytes_ / megabyte, "megabytes of memory for its samples");
     bytesLeft_ -= bytes;
 }
 
@@ -173,7 +175,9 @@ void ZoneBuilder::countPreload(const ZZone& zone) {
     preloadAllowance_ += std::max(limits::preloadFrames, 4 * zone.lengthInFrames) * frameBytes;
     preloadBytes_ += preload.bytes();
     take(preload.bytes());
-    if (preloadBytes_ > preloadAllowance_) throw std::bad_alloc();
+    if (preloadBytes_ > preloadAllowance_)
+        throw LimitExceeded(preloadAllowance_ / megabyte,
+                            "megabytes of memory for the first parts of its samples");
 }
 
 } // namespace zarno
