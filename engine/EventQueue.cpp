@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/EventQueue.h"
 
+#include "platform/ThreadRole.h"
+
 namespace zarno {
 
 EventQueue::EventQueue()
@@ -45,6 +47,7 @@ bool EventQueue::popFromRing(EngineEvent& event) {
 }
 
 void EventQueue::moveTo(std::vector<EngineEvent>& events) {
+    thread::mustBe(thread::audio);
     takeRing(events);
     // As long as the overflow stands, callers append to it: nothing gets ahead of it in the ring.
     if (overflowing_.load(std::memory_order_acquire) && tryLock()) takeOverflow(events);
@@ -70,6 +73,7 @@ void EventQueue::takeOverflow(std::vector<EngineEvent>& events) {
 }
 
 void EventQueue::clear() {
+    thread::mustBe(thread::audio | thread::loading);
     std::vector<EngineEvent> forgotten;
     takeRing(forgotten);
     if (!overflowing_.load(std::memory_order_acquire)) return;

@@ -21,14 +21,14 @@ class EventQueue {
 
     EventQueue();
 
-    // Any thread.
+    // [any]
     void push(const EngineEvent& event);
 
-    // The rendering thread: appends all that waits to events. Never waits: while a caller appends to the
+    // [audio] Appends all that waits to events. Never waits: while a caller appends to the
     // overflow list, what overflowed stays for the next time.
     void moveTo(std::vector<EngineEvent>& events);
 
-    // The rendering thread, or any when nothing renders: forgets all that waits. Waits for callers that append.
+    // [audio, loading] Forgets all that waits. Waits for callers that append.
     void clear();
 
   private:
