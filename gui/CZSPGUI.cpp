@@ -7,9 +7,11 @@
 #include "gui/PanelEdits.h"
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
-#include "platform/MessageBox.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
+#if JUCE_WINDOWS
+#include "platform/MessageBox_win32.h"
+#endif
 
 namespace zarno {
 namespace {
