@@ -75,8 +75,7 @@ void CZSP::prepareToPlay(double sampleRate, int) {
 
 // Note-offs and pedal-ups that the host sends while processing is off never arrive.
 void CZSP::releaseAllNotes() {
-    engine_.postEvent(midi::controller, 0, 64, 0, 0);
-    engine_.postEvent(midi::controller, 0, 123, 0, 0);
+    engine_.requestRelease();
 }
 
 void CZSP::setNonRealtime(bool nonRealtime) noexcept {

@@ -39,12 +39,6 @@ void log(const LoadProblem& problem) {
         std::fprintf(stderr, "Zarno Sampler Player: %s\n", sentence(problem).c_str());
 }
 
-// Keys and pedals that the host let go of while it was kept out.
-void releaseAllNotes(ZInstrument& engine) {
-    engine.postEvent(midi::controller, 0, 64, 0, 0);
-    engine.postEvent(midi::controller, 0, 123, 0, 0);
-}
-
 } // namespace
 
 void LoadRunner::perform() {
@@ -66,7 +60,7 @@ void LoadRunner::perform() {
         const juce::ScopedLock hold(reportLock_);
         report_ = {request.path, result};
     }
-    releaseAllNotes(engine);
+    engine.requestRelease(); // keys and pedals that the host let go of meanwhile
     engine.setLoading(false);
     parts_.processor.suspendProcessing(false);
     applyState(request.pendingState);

@@ -18,12 +18,14 @@ class CZSP;
 
 /// What the entry keeps about one effect that a host has opened.
 struct OpenEffect {
-    OpenEffect(Vst2::AEffect& effect, CZSP& opened)
+    OpenEffect(Vst2::AEffect& effect, CZSP& opened, Vst2::audioMasterCallback callback)
         : processor(opened)
+        , host(callback)
         , gate(effect)
         , wrapper(effect.dispatcher) {}
 
     CZSP& processor;
+    const Vst2::audioMasterCallback host;
     AudioGate gate;
     const Vst2::AEffectDispatcherProc wrapper;
     std::optional<WindowErrors> windowErrors; ///< while the editor is open
@@ -40,7 +42,7 @@ struct OpenEffect {
 /// they are found by address.
 class OpenEffects {
   public:
-    void add(Vst2::AEffect& effect, CZSP& processor);
+    void add(Vst2::AEffect& effect, CZSP& processor, Vst2::audioMasterCallback host);
     /// find no longer returns the effect. The caller owns what was kept about it. Null for an unknown one.
     std::unique_ptr<OpenEffect> remove(const Vst2::AEffect* effect);
     /// [any] Null for one that is not open. Takes no lock: the audio thread asks, too.

@@ -178,9 +178,22 @@ Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::Vst
     return result;
 }
 
+// The wrapper asks only when it is turned on, but hosts begin a bounce without turning anything off. A host that
+// does not know the question answers 0: then the wrapper's answer stays.
+void takeProcessLevel(OpenEffect& open, Vst2::AEffect* effect) {
+    if (!open.gate.enter()) return;
+    const auto level = open.host(effect, Vst2::audioMasterGetCurrentProcessLevel, 0, 0, nullptr, 0.0f);
+    const bool offline = level == Vst2::kVstProcessLevelOffline;
+    if (level != 0 && offline != open.processor.engine().isOffline()) open.processor.setNonRealtime(offline);
+    open.gate.leave();
+}
+
 void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 frames) {
     const DefaultArithmetic scopedFpu;
-    if (OpenEffect* open = effects().find(effect)) open->gate.process(outputs, frames);
+    OpenEffect* open = effects().find(effect);
+    if (open == nullptr) return;
+    takeProcessLevel(*open, effect);
+    open->gate.process(outputs, frames);
 }
 
 } // namespace
@@ -193,7 +206,7 @@ ZARNO_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
     Vst2::AEffect* effect = zarnoWrapperMain(host);
     CZSP* processor = takeCreatedProcessor();
     if (effect == nullptr || processor == nullptr) return effect;
-    effects().add(*effect, *processor);
+    effects().add(*effect, *processor, host);
     effect->dispatcher = dispatch;
     effect->processReplacing = process;
     effect->uniqueID = static_cast<Vst2::VstInt32>(processor->identity().uniqueId);

@@ -13,6 +13,7 @@
 #include "engine/ZInstrument.h"
 #include "platform/File.h"
 #include "platform/Paths.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <new>
@@ -248,6 +249,7 @@ bool Load::report() const {
 } // namespace
 
 LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options) {
+    thread::mustBe(thread::reader | thread::loading);
     LoadResult result;
     try {
         Load load(contents, path, options, result);
@@ -263,6 +265,7 @@ LoadResult readInstrument(InstrumentContents& contents, const std::string& path,
 }
 
 bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result) {
+    thread::mustBe(thread::loading);
     const std::string path = contents.texts.path;
     try {
         instrument.exchange(contents);
