@@ -58,6 +58,12 @@ Library Library::unanswered() {
     return {{}, "The library folder does not answer: its disk or network is away."};
 }
 
+Library::Target Library::resolve(int index, const std::string& path) const {
+    if (path.empty() && contains(index)) return {entries[static_cast<std::size_t>(index)].path, index};
+    const int found = indexOf(path);
+    return {path, found >= 0 ? found : index};
+}
+
 int Library::indexOf(std::string_view path) const {
     return firstIndex(entries, [&](const Entry& entry) { return entry.path == path; });
 }

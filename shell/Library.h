@@ -39,6 +39,14 @@ struct Library {
     /// An empty library that says that its folder does not answer.
     static Library unanswered();
 
+    /// What a choice means: entry `index` when `path` is empty, else that path, with the index of the first entry
+    /// that has it, or `index` when none has. An empty path when there is nothing to choose.
+    struct Target {
+        std::string path;
+        int index = -1;
+    };
+    Target resolve(int index, const std::string& path) const;
+
     /// -1 when no entry has this very path.
     int indexOf(std::string_view path) const;
     /// The first entry with the same file name, else the first whose name differs only in case: -1 when there
