@@ -26,7 +26,7 @@ Library scanLibrary() {
     const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
     const bool answers = doWithPatience(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
-    return answers ? std::move(*library) : Library();
+    return answers ? std::move(*library) : Library::unanswered();
 }
 
 // A file system that does not answer counts as one that does not have the file.
