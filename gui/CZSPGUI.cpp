@@ -409,7 +409,7 @@ bool CZSPGUI::keyStateChanged(bool isKeyDown) {
 }
 
 void CZSPGUI::showPanelProblem(const juce::String& caption, const juce::String& text) {
-    if (link_.takeTurnToTell()) showBox(caption, text);
+    if (link_.shouldReportPanelError()) showBox(caption, text);
 }
 
 // On Windows the system's own box, which outlives the window. Elsewhere one of JUCE's that goes with the window.

@@ -5,8 +5,8 @@
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
-#include "platform/Patience.h"
 #include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "platform/ThreadRole.h"
 #include "shell/HostChunk.h"
 #include "shell/UserFolders.h"
@@ -26,7 +26,7 @@ Library scanLibrary() {
     const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
     const bool answers = doWithPatience(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
-    return answers ? std::move(*library) : Library();
+    return answers ? std::move(*library) : Library::unanswered();
 }
 
 // A file system that does not answer counts as one that does not have the file.
@@ -73,7 +73,7 @@ void CZSP::prepareToPlay(double sampleRate, int) {
     releaseAllNotes();
 }
 
-// A note-off or a pedal-up that the host sent while we were stopped or suspended never reached us.
+// Note-offs and pedal-ups that the host sends while processing is off never arrive.
 void CZSP::releaseAllNotes() {
     engine_.requestRelease();
 }
@@ -97,18 +97,18 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
     }
 }
 
-// Bypassed, MIDI goes on being heeded, so that pedals and keyswitches are right afterwards, but no voice
+// While bypassed, MIDI is still handled, so that pedals and keyswitches are right afterwards; no voice
 // outlives the block.
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     const thread::Acts asAudio(thread::audio);
-    const bool unheard = bypassed_;
-    if (unheard) engine_.requestStop();
+    const bool isSilent = bypassed_;
+    if (isSilent) engine_.requestStop();
     postEvents(midi);
     midi.clear();
     auto** channels =
-        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
+        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine does not change the pointers
     engine_.renderBlock(channels, audio.getNumChannels(), audio.getNumSamples());
-    if (!unheard) return;
+    if (!isSilent) return;
     audio.clear();
     engine_.requestStop();
 }
@@ -186,8 +186,8 @@ void CZSP::loadNow(LoadRequest request) {
     if (loads_.restore(std::move(request))) performLoad();
 }
 
-// Only the reader has the lowest priority: the loading thread holds the callback lock for moments, in which the
-// audio thread waits for it even on a busy machine.
+// Only the reader has the lowest priority: the loading thread holds the callback lock for moments, in which
+// the audio thread waits for it even on a busy machine.
 void CZSP::startLoading() {
     progress_ = -1.0;
     editorPort_.loadingStarted();

@@ -21,7 +21,7 @@ void OpenEffects::add(Vst2::AEffect& effect, CZSP& processor, Vst2::audioMasterC
         place = place->next.get();
     if (place == nullptr) {
         auto made = std::make_unique<Place>();
-        made->next = std::move(places_); // those behind it stay where they are
+        made->next = std::move(places_); // the older places keep their addresses
         places_ = std::move(made);
         place = places_.get();
     }

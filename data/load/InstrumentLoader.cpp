@@ -14,6 +14,7 @@
 #include "platform/File.h"
 #include "platform/Paths.h"
 #include "platform/ThreadRole.h"
+#include "platform/Utf8.h"
 
 #include <algorithm>
 #include <new>
@@ -152,8 +153,10 @@ bool Load::isAllowed() {
            fail(Kind::NotLicensed);
 }
 
+// UTF-8 from here on, for opening, searching and telling. First, since in some code pages a backslash is the
+// second byte of a letter.
 std::string Load::samplePath(const ZoneEntry& zone) const {
-    return fromBackslashForm(resolveSamplePath(std::string(zone.sample.text()), instrumentPath_));
+    return fromBackslashForm(resolveSamplePath(toUtf8(zone.sample.text()), instrumentPath_));
 }
 
 // Preloads are small pieces of many files, or of one large file.

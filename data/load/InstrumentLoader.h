@@ -19,7 +19,7 @@ struct LoadResult {
     bool loaded = false;
     bool opened = false;                  ///< the file could be opened: what was loaded before has to go
     LoadProblem problem;                  ///< why not loaded; or, when loaded, what ended reading early
-    std::vector<std::string> missing;     ///< paths of samples that were not found; their zones are left out
+    std::vector<std::string> missing;     ///< UTF-8 paths of samples not found; their zones are left out
     std::vector<std::string> unsupported; ///< the same for samples that are there but cannot be read
 
     explicit operator bool() const { return loaded; }

@@ -71,7 +71,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     void locateInstrument(const juce::File& file) override { located = file; }
     Missing missingSamples() const override { return missing; }
     void locateMissingSamples(const juce::File&) override {}
-    bool takeTurnToTell() override { return std::exchange(toldLoad, loads) != loads; }
+    bool shouldReportPanelError() override { return std::exchange(toldLoad, loads) != loads; }
     juce::String setting(const juce::String& key, const juce::String& fallback) const override {
         const auto found = settings.find(key);
         return found != settings.end() ? found->second : fallback;
