@@ -18,4 +18,10 @@ struct InstrumentContents {
     std::vector<std::unique_ptr<ZGroup>> groups;
 };
 
+// The values in an instrument's file, whatever the user has changed since.
+struct FileValues {
+    InstrumentSettings settings;
+    std::vector<GroupRecord> groups;
+};
+
 } // namespace zarno

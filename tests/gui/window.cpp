@@ -311,8 +311,8 @@ TEST(Menus, ListInstrumentsGroupsAndWhatIsMissing) {
     EXPECT_THAT(describe(makeInstrumentMenu({"A", "B"}, 1)),
                 ElementsAre("# Instrument List", "1 A", "2 B *"));
     EXPECT_THAT(describe(makeGroupMenu({}, {})), ElementsAre("# Group List"));
-    EXPECT_THAT(describe(makeGroupMenu({"x", "y", "z"}, {0, 2})),
-                ElementsAre("# Group List", "1 x *", "2 y", "3 z *"));
+    EXPECT_THAT(describe(makeGroupMenu({{"x", ""}, {"y", "always"}, {"z", ""}}, {0, 2})),
+                ElementsAre("# Group List", "1 x *", "2 y", "3 z *", "- With Ctrl or Shift: add or take away"));
 
     EditorLink::Missing missing;
     EXPECT_EQ(missingText(missing), "");
