@@ -10,6 +10,9 @@
 #include "gui/WindowMenus.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
+#if JUCE_WINDOWS
+#include "platform/MessageBox_win32.h"
+#endif
 
 namespace zarno {
 namespace {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/MessageBox.h"
+#include "platform/MessageBox_win32.h"
 
 #include "platform/WideText_win32.h"
 

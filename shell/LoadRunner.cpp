@@ -15,6 +15,8 @@
 #include "shell/Settings.h"
 #include "shell/UserFolders.h"
 
+#include <cstdio>
+
 namespace zarno {
 namespace {
 
@@ -29,6 +31,12 @@ LoadResult failure(const std::string& path, LoadProblem::Kind kind) {
     LoadResult result;
     result.problem = {kind, path, 0, 0, {}};
     return result;
+}
+
+// A host that runs in a terminal shows it there, with or without a window.
+void log(const LoadProblem& problem) {
+    if (problem && problem.kind != LoadProblem::Kind::Cancelled)
+        std::fprintf(stderr, "Zarno Sampler Player: %s\n", sentence(problem).c_str());
 }
 
 // Keys and pedals that the host let go of while it was kept out.
@@ -51,6 +59,7 @@ void LoadRunner::perform() {
         const thread::Acts asLoading(thread::loading);
         engine.setLoading(true);
         const LoadResult result = read(request);
+        log(result.problem);
         succeeded = result.loaded;
         replaced = result.opened || !request.receivedChunk.empty();
         if (replaced && !result.opened) clearEngine();

@@ -155,5 +155,50 @@ TEST_F(WindowOnScreenOfHost, HearsFromTheProcessorOnlyWhileItIsAttached) {
     EXPECT_EQ(link.window, nullptr);
 }
 
+juce::String barTexts(StatusBar& bar) {
+    juce::StringArray texts;
+    for (auto* child : bar.getChildren()) {
+        if (auto* button = dynamic_cast<juce::TextButton*>(child); button != nullptr && button->isVisible())
+            texts.add(button->getButtonText());
+        if (auto* label = dynamic_cast<juce::Label*>(child)) texts.add(label->getText());
+    }
+    return texts.joinIntoString("|");
+}
+
+TEST_F(Window, NamesAMissingInstrumentAndOffersToLocateIt) {
+    link.succeeded = false;
+    link.report = {"b.zse", "b.zse is not there.", true, true};
+    open();
+    EXPECT_TRUE(barTexts(window->statusBar()).contains("b.zse is not there."));
+    EXPECT_TRUE(barTexts(window->statusBar()).contains("Locate"));
+    EXPECT_FALSE(barTexts(window->statusBar()).contains("Try again"));
+
+    link.report = {"b.zse", "b.zse is cut short.", false, false}; // loaded all the same
+    link.succeeded = true;
+    window->loadingFinished();
+    EXPECT_TRUE(barTexts(window->statusBar()).contains("b.zse is cut short."));
+    EXPECT_FALSE(barTexts(window->statusBar()).contains("Locate"));
+}
+
+#if !JUCE_WINDOWS // which has a box of the system's: tests/host/message_box_win32.cpp
+int openBoxes() {
+    int boxes = 0;
+    for (int i = 0; i < juce::Desktop::getInstance().getNumComponents(); ++i)
+        boxes += dynamic_cast<juce::AlertWindow*>(juce::Desktop::getInstance().getComponent(i)) != nullptr;
+    return boxes;
+}
+
+TEST_F(WindowOnScreenOfHost, AFailedLoadShowsOneBoxThatGoesWithTheWindow) {
+    open();
+    window->addToDesktop(0);
+    link.window->loadFailed();
+    EXPECT_EQ(openBoxes(), 1);
+    link.window->loadFailed();
+    EXPECT_EQ(openBoxes(), 1) << "the former one goes";
+    window.reset();
+    EXPECT_EQ(openBoxes(), 0);
+}
+#endif
+
 } // namespace
 } // namespace zarno

@@ -163,6 +163,27 @@ TEST_F(MissingSamplesOnScreen, ARestoreWaitsForNoAnswer) {
     EXPECT_FALSE(isDialogOpen());
 }
 
+// A window that is closed and opened again within one poll of the loading thread: the new one asks, too, or the load
+// goes on without an answer.
+TEST_F(MissingSamplesOnScreen, AQuestionIsNotLostWithItsWindow) {
+    open();
+    for (int round = 0; round < 10; ++round) {
+        std::error_code ignored;
+        std::filesystem::remove(rig.folder() / "bin/answer", ignored);
+        std::filesystem::remove(rig.folder() / "bin/asked", ignored);
+        plugin->selectProgram(1);
+        ASSERT_TRUE(waitForDialog());
+        answerWith("");
+        ASSERT_TRUE(window->reopen());
+        const auto end = Clock::now() + std::chrono::seconds(10);
+        while (!plugin->waitForLoading(0.0) && Clock::now() < end)
+            window->run(0.01);
+        ASSERT_TRUE(plugin->waitForLoading(0.0)) << "the load waits for an answer that never comes, round " << round;
+        plugin->selectProgram(0);
+        ASSERT_TRUE(plugin->waitForLoading(20.0));
+    }
+}
+
 // Nobody answers; in three of four rounds nobody even shows the dialog, since the host's loop stands still.
 TEST_F(MissingSamplesOnScreen, ClosedTwoHundredTimesWhileTheLoaderAsks) {
     const auto keepsTheModule = rig.load();

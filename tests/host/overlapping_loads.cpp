@@ -2,7 +2,7 @@
 // Projects that are restored, instruments that are chosen and states that are saved while a load is under way.
 #include "tests/host/HostRig.h"
 #include "tests/support/Chance.h"
-#include "tools/vsthost/PluginReport.h"
+#include "tools/vsthost/HostWindow.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -108,63 +108,112 @@ TEST_F(OverlappingLoads, AMissingInstrumentIsSilentAndLosesNothing) {
     EXPECT_EQ(firstSound(render(*plugin, 1000, {{0, noteOn(60)}}).left), -1) << "another instrument plays";
 }
 
+int stressSteps(int usual) {
+    const char* const wanted = std::getenv("ZARNO_STRESS_STEPS");
+    return wanted != nullptr ? std::atoi(wanted) : usual;
+}
+
 // What hosts, users and their threads do to one instance, at random. At each quiet point the saved state is what the
 // last request asked for. ZARNO_STRESS_STEPS asks for more steps.
-TEST_F(OverlappingLoads, RandomRequestsOnSeveralThreadsLoseNothing) {
-    const char* const wanted = std::getenv("ZARNO_STRESS_STEPS");
-    const int steps = wanted != nullptr ? std::atoi(wanted) : 400;
-    Chance chance(3);
-    const auto anyChunk = [this](Chance& by) {
+class RandomRequests : public OverlappingLoads {
+  protected:
+    Bytes anyChunk(Chance& by) const {
         return withValues(by.oneIn(3) ? slow : small, -static_cast<float>(by.below(40)),
                           -static_cast<float>(by.below(20)));
-    };
-    int done = 0, lost = 0, quietPoints = 0;
-    while (done < steps && !HasFailure()) {
+    }
+    int anyProgram() { return static_cast<int>(chance.below(2)); }
+    void pause() { std::this_thread::sleep_for(std::chrono::microseconds(chance.below(3000))); }
+
+    void makeOne(bool withWindow) {
+        switch (chance.below(withWindow ? 8 : 6)) {
+        case 0: return plugin->restore(anyChunk(chance));
+        case 1: return static_cast<void>(plugin->chunk());
+        case 2: return plugin->setOffline(chance.oneIn(2));
+        case 3: return pause();
+        case 6: return toggleWindow();
+        case 7: return runWindow();
+        default: return plugin->selectProgram(anyProgram());
+        }
+    }
+    void toggleWindow() {
+        std::string error;
+        if (window)
+            window.reset();
+        else
+            window = HostWindow::open(*plugin, error);
+    }
+    void runWindow() {
+        if (window) window->run(0.005);
+    }
+
+    // Beside an audio thread and another thread of the host's.
+    void makeSome(int count, bool withWindow) {
         std::atomic<bool> stop{false};
         std::thread audio([&] {
             for (int key = 0; !stop; key = (key + 1) % 40)
                 render(*plugin, 256, {{0, noteOn(40 + key)}, {200, noteOff(40 + key)}});
         });
-        std::thread otherHostThread([&, seed = static_cast<std::uint32_t>(done)] {
-            for (Chance by(seed + 1000); !stop;)
+        std::thread otherHostThread([&, seed = chance.bits()] {
+            for (Chance by(seed); !stop;)
                 by.oneIn(2) ? plugin->restore(anyChunk(by)) : static_cast<void>(plugin->chunk());
         });
-        for (const int end = done + chance.between(5, 20); done < end; ++done) {
-            switch (chance.below(6)) {
-            case 0: plugin->restore(anyChunk(chance)); break;
-            case 1: plugin->chunk(); break;
-            case 2: plugin->setOffline(chance.oneIn(2)); break;
-            case 3: std::this_thread::sleep_for(std::chrono::microseconds(chance.below(3000))); break;
-            default: plugin->selectProgram(static_cast<int>(chance.below(2))); break;
-            }
-        }
+        for (int i = 0; i < count; ++i)
+            makeOne(withWindow);
         stop = true;
         otherHostThread.join();
         audio.join();
-        ++quietPoints;
-        if (chance.oneIn(2)) {
-            const auto last = anyChunk(chance);
-            plugin->selectProgram(chance.oneIn(2) ? 1 : 0);
-            std::this_thread::sleep_for(std::chrono::microseconds(chance.below(3000)));
-            plugin->restore(last);
-            lost += plugin->chunk() != last;
-        } else {
-            plugin->selectProgram(1); // during a load it only becomes the current one,
-            quiet();
-            plugin->selectProgram(1); // and is loaded when it is chosen again
-            quiet();
-            const auto saved = plugin->chunk();
-            lost += pathOf(saved) != pathOf(slow) || saved.size() != slow.size();
-        }
-        if (chance.oneIn(4)) { // destroyed, often in the middle of a load
-            plugin->selectProgram(static_cast<int>(chance.below(2)));
-            plugin = rig.loadActive();
-            ASSERT_TRUE(plugin);
-        }
-        if (chance.oneIn(3)) plugin->activate();
     }
-    std::printf("%d requests, %d quiet points, %d lost\n", done, quietPoints, lost);
-    EXPECT_EQ(lost, 0);
+    // Overlaps with the load that the choice before it began.
+    bool restoreIsKept() {
+        const auto last = anyChunk(chance);
+        plugin->selectProgram(anyProgram());
+        pause();
+        plugin->restore(last);
+        return plugin->chunk() == last;
+    }
+    // During a load a choice only becomes the current one; made again after it, it is loaded.
+    bool choiceIsKept() {
+        for (int i = 0; i < 2; ++i) {
+            plugin->selectProgram(1);
+            quiet();
+        }
+        const auto saved = plugin->chunk();
+        return pathOf(saved) == pathOf(slow) && saved.size() == slow.size();
+    }
+    // Often in the middle of a load.
+    void destroyAndLoadAgain() {
+        plugin->selectProgram(anyProgram());
+        pause();
+        window.reset();
+        plugin = rig.loadActive();
+    }
+    void run(int steps, bool withWindow) {
+        int done = 0, lost = 0, quietPoints = 0;
+        while (done < steps && plugin && !HasFailure()) {
+            const int count = chance.between(5, 20);
+            makeSome(count, withWindow);
+            done += count;
+            ++quietPoints;
+            lost += !(chance.oneIn(2) ? restoreIsKept() : choiceIsKept());
+            if (chance.oneIn(3)) plugin->activate();
+            if (chance.oneIn(4)) destroyAndLoadAgain();
+        }
+        std::printf("%d requests, %d quiet points, %d lost\n", done, quietPoints, lost);
+        EXPECT_EQ(lost, 0);
+        window.reset();
+    }
+
+    Chance chance{3};
+    std::unique_ptr<HostWindow> window;
+};
+
+TEST_F(RandomRequests, OnSeveralThreadsLoseNothing) {
+    run(stressSteps(300), false);
+}
+
+using RandomRequestsOnScreen = RandomRequests;
+TEST_F(RandomRequestsOnScreen, WithAWindowThatComesAndGoesLoseNothing) {
+    run(stressSteps(150), true);
 }
 
 } // namespace
