@@ -37,6 +37,7 @@ AboutPanel::AboutPanel() {
     text_.setReadOnly(true);
     text_.setCaretVisible(false);
     text_.setTitle("About this instrument");
+    text_.setIndents(10, 8);
     close_.onClick = [this] { close(); };
     addAndMakeVisible(text_);
     addAndMakeVisible(close_);
@@ -60,7 +61,7 @@ void AboutPanel::open(InstrumentInfo info) {
     if (info_.remark.isNotEmpty()) write(info_.remark, theme::textHeight, theme::text);
     if (!info_.keyswitches.empty()) write("\nKeyswitches", theme::textHeight, theme::quietText);
     for (const auto& [key, name] : info_.keyswitches)
-        write(key + "\t" + name, theme::textHeight, theme::text);
+        write(key.paddedRight(' ', 6) + name, theme::textHeight, theme::text);
     if (!info_.facts.isEmpty()) write("\n" + info_.facts.joinIntoString("\n"), theme::smallTextHeight, theme::quietText);
     text_.setReadOnly(true);
     text_.setCaretPosition(0);

@@ -29,7 +29,7 @@ StatusBar::State barState(EditorLink& link, const BarTexts& texts) {
     const int index = link.currentIndex();
     const auto activity = link.activity();
     StatusBar::State state;
-    state.instrument = texts.title;
+    state.instrument = texts.instrument.isEmpty() ? juce::String("No instrument") : texts.instrument;
     state.notice = noticeFor(factsOf(link, texts));
     state.voices = link.engine().playingVoices();
     state.cpuPercent = juce::roundToInt(activity.cpu * 100.0);

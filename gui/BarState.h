@@ -8,7 +8,6 @@ namespace zarno {
 
 // What the window knows and the processor does not say, for the bar.
 struct BarTexts {
-    juce::String title;      // in the panel's label
     juce::String instrument; // empty when nothing is loaded
     juce::String advice;     // about a drop that was not taken
     juce::String missing;    // "3 samples missing"

@@ -18,11 +18,7 @@ Browser::Browser() {
     search_.setFont(juce::Font(theme::textHeight));
     search_.setIndents(8, 5);
     search_.setSelectAllWhenFocused(true);
-    search_.onTextChange = [this] {
-        view_.search(search_.getText());
-        showRows();
-        choose(-1, 1);
-    };
+    search_.onTextChange = [this] { applySearch(); };
     list_.setModel(this);
     list_.setRowHeight(rowHeight);
     list_.setTitle("Instruments");
@@ -67,6 +63,17 @@ void Browser::open(int current) {
     if (isShowing()) search_.grabKeyboardFocus();
 }
 
+void Browser::search(const juce::String& text) {
+    search_.setText(text, false);
+    applySearch();
+}
+
+void Browser::applySearch() {
+    view_.search(search_.getText());
+    showRows();
+    choose(-1, 1);
+}
+
 void Browser::showRows() {
     list_.updateContent();
     list_.deselectAllRows();
@@ -107,8 +114,7 @@ bool Browser::keyPressed(const juce::KeyPress& key) {
     const int row = list_.getSelectedRow();
     if (key == KeyPress::escapeKey)
         close();
-    else if (key == KeyPress::returnKey && !refresh_.hasKeyboardFocus(false) && !plain_.hasKeyboardFocus(false) &&
-             !close_.hasKeyboardFocus(false))
+    else if (key == KeyPress::returnKey)
         pick(row);
     else if (key == KeyPress::downKey)
         choose(row, 1);

@@ -22,7 +22,7 @@ class Browser final : public juce::Component, private juce::ListBoxModel {
                     const juce::StringArray& folders, const juce::StringArray& recent);
     // Shows everything, with the library's instrument `current` chosen.
     void open(int current);
-    void search(const juce::String& text) { search_.setText(text, true); }
+    void search(const juce::String& text);
     const LibraryView& view() const { return view_; }
     juce::ListBox& list() { return list_; }
 
@@ -38,6 +38,7 @@ class Browser final : public juce::Component, private juce::ListBoxModel {
     juce::String getNameForRow(int row) override;
     const LibraryView::Row* rowAt(int row) const;
 
+    void applySearch();
     void showRows();
     void choose(int from, int direction);
     void pick(int row);

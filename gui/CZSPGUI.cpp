@@ -10,9 +10,6 @@
 #include "gui/WindowMenus.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
-#if JUCE_WINDOWS
-#include "platform/MessageBox_win32.h"
-#endif
 
 namespace zarno {
 namespace {
@@ -97,7 +94,7 @@ void CZSPGUI::fitToPanel() {
     list_.setBounds(above);
     browser_.setBounds(above);
     about_.setBounds(above);
-    firstRun_.setBounds(above.withTrimmedTop(std::min(112, above.getHeight() / 2)).reduced(8, 4));
+    firstRun_.setBounds(above.withTrimmedTop(std::min(112, above.getHeight() / 2)).reduced(8, 0));
     overlay_.setBounds(whole);
     drop_.setBounds(whole);
     content_.setBounds(whole);
@@ -275,7 +272,7 @@ juce::StringArray CZSPGUI::recentPaths() const {
 }
 
 void CZSPGUI::refreshBar() {
-    bar_.show(barState(link_, {titleText(), instrumentName_, advice_, missingText_, lastLoad_, lateReadsSeen_,
+    bar_.show(barState(link_, {instrumentName_, advice_, missingText_, lastLoad_, lateReadsSeen_,
                                zoom_.percent(), titles_.size()}));
     firstRun_.setVisible(titles_.isEmpty() && instrumentName_.isEmpty() && !link_.isLoading() &&
                          link_.lastLoadSucceeded());

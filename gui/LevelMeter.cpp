@@ -35,7 +35,7 @@ void LevelMeter::mouseDown(const juce::MouseEvent&) {
 }
 
 void LevelMeter::paint(juce::Graphics& g) {
-    auto area = getLocalBounds().toFloat();
+    auto area = getLocalBounds().toFloat().withSizeKeepingCentre(static_cast<float>(getWidth()), 10.0f);
     const auto mark = area.removeFromRight(6.0f);
     area.removeFromRight(2.0f);
     g.setColour(juce::Colour(theme::outline));

@@ -2,7 +2,9 @@
 #include "gui/WindowDialogs.h"
 
 #include "gui/WindowMenus.h"
-#include "platform/MessageBox.h"
+#if JUCE_WINDOWS
+#include "platform/MessageBox_win32.h"
+#endif
 
 namespace zarno {
 namespace {

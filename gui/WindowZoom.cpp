@@ -28,7 +28,7 @@ int WindowZoom::stepped(int direction) const {
     if (direction == 0) return 100;
     const auto* first = std::begin(zoomPercents);
     const auto place = std::find(first, std::end(zoomPercents), percent()) - first + direction;
-    return first[std::clamp<std::ptrdiff_t>(place, 0, std::size(zoomPercents) - 1)];
+    return first[std::clamp<std::ptrdiff_t>(place, 0, std::ssize(zoomPercents) - 1)];
 }
 
 void WindowZoom::fit(const juce::Component& window, int width, int height) {

@@ -182,7 +182,8 @@ TEST_F(KnobValues, TheBubbleShowsAndTakesValuesAndCoversNoNeighbour) {
     bubble.field().setText("-6,5 dB");
     bubble.field().onReturnKey();
     EXPECT_NEAR(link.instrument.settings().volume, -6.5f, 1e-3);
-    EXPECT_FALSE(bubble.isVisible());
+    EXPECT_FALSE(bubble.field().isVisible());
+    EXPECT_EQ(bubble.text(), "Volume  -6.50 dB");
     EXPECT_FALSE(positionFromText(2, "loud"));
 }
 

@@ -204,7 +204,9 @@ class Session final : private juce::Timer {
         for (int i = 0; i < desktop.getNumComponents(); ++i) {
             auto* part = desktop.getComponent(i);
             const auto place = part->getScreenPosition() - all.getPosition();
-            g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds()), place.x, place.y);
+            // Menus are scaled as a whole.
+            const float scale = part->getTransform().getScaleFactor();
+            g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds(), true, scale), place.x, place.y);
         }
         juce::MemoryOutputStream png;
         const bool isWritten =
