@@ -32,7 +32,7 @@ CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     , link_(link)
     , panel_({this, this, this, &knobs_}, &link.keyboardRoute(),
              [this](const juce::String& caption, const juce::String& text) {
-                 if (link_.takeTurnToTell()) dialogs_.showBox(caption, text);
+                 if (link_.shouldReportPanelError()) dialogs_.showBox(caption, text);
              })
     , list_(link.instrumentList(), [this] { return link_.instrumentTitles(); }) {
     setSize(600, 250);
@@ -264,6 +264,7 @@ void CZSPGUI::refreshLibrary() {
     titles_ = link_.instrumentTitles();
     browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
     firstRun_.setFolder(folders[0]);
+    if (std::exchange(libraryNote_, link_.libraryNote()) != libraryNote_) advice_ = libraryNote_;
     refreshLabels();
 }
 

@@ -32,7 +32,8 @@ void showMessageBox(std::string_view title, std::string_view text) {
     auto box = std::make_unique<Box>();
     box->title = wideText(title);
     box->text = wideText(text);
-    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&show), &box->module))
+    if (!GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<LPCWSTR>(&show),
+                            &box->module))
         return;
     const HANDLE thread = CreateThread(nullptr, 0, show, box.get(), 0, nullptr);
     if (thread == nullptr) {

@@ -5,8 +5,8 @@
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
-#include "platform/Patience.h"
 #include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "platform/ThreadRole.h"
 #include "shell/HostChunk.h"
 #include "shell/UserFolders.h"
@@ -64,10 +64,9 @@ void CZSP::prepareToPlay(double sampleRate, int) {
     releaseAllNotes();
 }
 
-// A note-off or a pedal-up that the host sent while we were stopped or suspended never reached us.
+// Note-offs and pedal-ups that the host sends while processing is off never arrive.
 void CZSP::releaseAllNotes() {
-    engine_.postEvent(midi::controller, 0, 64, 0, 0);
-    engine_.postEvent(midi::controller, 0, 123, 0, 0);
+    engine_.requestRelease();
 }
 
 void CZSP::setNonRealtime(bool nonRealtime) noexcept {
@@ -89,19 +88,19 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
     }
 }
 
-// Bypassed, MIDI goes on being heeded, so that pedals and keyswitches are right afterwards, but no voice
+// While bypassed, MIDI is still handled, so that pedals and keyswitches are right afterwards; no voice
 // outlives the block.
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     const thread::Acts asAudio(thread::audio);
     const ActivityMeter::Block measured(activity_, audio, engine_.sampleRate());
-    const bool unheard = bypassed_;
-    if (unheard) engine_.requestStop();
+    const bool isSilent = bypassed_;
+    if (isSilent) engine_.requestStop();
     postEvents(midi);
     midi.clear();
     auto** channels =
-        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
+        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine does not change the pointers
     engine_.renderBlock(channels, audio.getNumChannels(), audio.getNumSamples());
-    if (!unheard) return;
+    if (!isSilent) return;
     audio.clear();
     engine_.requestStop();
 }
@@ -180,8 +179,8 @@ void CZSP::loadNow(LoadRequest request) {
     if (loads_.restore(std::move(request))) performLoad();
 }
 
-// Only the reader has the lowest priority: the loading thread holds the callback lock for moments, in which the
-// audio thread waits for it even on a busy machine.
+// Only the reader has the lowest priority: the loading thread holds the callback lock for moments, in which
+// the audio thread waits for it even on a busy machine.
 void CZSP::startLoading() {
     progress_ = -1.0;
     editorPort_.loadingStarted();

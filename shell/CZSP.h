@@ -18,8 +18,8 @@
 
 namespace zarno {
 
-/// The one object the host talks to: no audio inputs, two outputs, MIDI in; no parameters and no programs
-/// that a host sees, though the program operations reach the instruments of the library.
+/// The object that the host talks to: two audio outputs, MIDI input, no parameters. It reports 0 programs,
+/// although the program operations address the instruments of the library by index.
 class CZSP final : public juce::AudioProcessor,
                    public juce::ListBoxModel,
                    public ZSEDelegate,
@@ -45,9 +45,9 @@ class CZSP final : public juce::AudioProcessor,
     void setNonRealtime(bool nonRealtime) noexcept override;
     void processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
     using juce::AudioProcessor::processBlock;
-    /// [any] From the next block on: silence, during which MIDI is heeded still.
+    /// [any] From the next block on the output is silent; MIDI is still handled.
     void setBypassed(bool bypassed) { bypassed_ = bypassed; }
-    /// All voices stop at the next block's start, and nothing that waits begins.
+    /// All voices stop at the start of the next block, and queued notes do not start.
     void reset() override { engine_.requestStop(); }
 
     juce::AudioProcessorEditor* createEditor() override;
@@ -62,7 +62,7 @@ class CZSP final : public juce::AudioProcessor,
     bool isMetaParameter(int) const override { return false; }
 
     int getNumPrograms() override { return 0; }
-    /// These three mean the instruments of the library, although there are 0 programs.
+    /// Index the instruments of the library, although there are 0 programs.
     int getCurrentProgram() override;
     void setCurrentProgram(int index) override;
     const juce::String getProgramName(int index) override;
@@ -88,7 +88,8 @@ class CZSP final : public juce::AudioProcessor,
 
     /// The current instrument once more, in the background. The settings of one that is loaded are kept.
     void loadAgain();
-    /// `path` in place of an instrument that a project wants and that is not there, with the project's settings.
+    /// `path` in place of an instrument that a project wants and that is not there, with the project's
+    /// settings.
     void loadInstead(const juce::String& path);
 
     /// [any] Ends the running load, if there is one.

@@ -30,7 +30,8 @@ bool isMessageThread() {
 } // namespace
 
 void EditorPort::setWindow(EditorWindow* window) {
-    if (window != nullptr) ++windowNumber_; // first: who sees the new window sees its number
+    if (window != nullptr)
+        ++windowNumber_; // before the window: a thread that sees the window sees its number
     window_ = window;
 }
 
@@ -53,10 +54,10 @@ void EditorPort::showEndOfLoad() {
 void EditorPort::askForMissingSamples(EditorWindow& window) {
     if (!processor_.loadRunner().takeUnaskedQuestion()) return;
     const auto name = fromEngine(fileName(processor_.loadRunner().report().result.missing.front()));
-    window.askForSampleFolder(
-        name, processor_.loadRunner().missingFolder(), [this](const juce::File& folder) {
-            if (folder != juce::File()) locateMissingSamples(folder);
-        });
+    window.askForSampleFolder(name, processor_.loadRunner().missingFolder(),
+                              [this](const juce::File& folder) {
+                                  if (folder != juce::File()) locateMissingSamples(folder);
+                              });
 }
 
 ZInstrument& EditorPort::engine() {
@@ -130,9 +131,9 @@ void EditorPort::locateMissingSamples(const juce::File& folder) {
     tryAgain();
 }
 
-bool EditorPort::takeTurnToTell() {
+bool EditorPort::shouldReportPanelError() {
     const auto load = processor_.loadGeneration();
-    return std::exchange(toldLoad_, load) != load;
+    return std::exchange(reportedLoad_, load) != load;
 }
 
 juce::String EditorPort::setting(const juce::String& key, const juce::String& fallback) const {
@@ -187,6 +188,10 @@ juce::StringArray EditorPort::libraryFolders() const {
         if (!folder.empty()) folders.add(juce::String::fromUTF8(folder.c_str()));
     if (folders.size() > 1 && !isFolder(folders[0].toStdString())) folders.move(0, folders.size() - 1);
     return folders;
+}
+
+juce::String EditorPort::libraryNote() const {
+    return juce::String::fromUTF8(processor_.library()->leftOut.c_str());
 }
 
 void EditorPort::refreshLibrary() {

@@ -46,7 +46,7 @@ class EditorPort final : public EditorLink {
     void locateInstrument(const juce::File& file) override;
     Missing missingSamples() const override;
     void locateMissingSamples(const juce::File& folder) override;
-    bool takeTurnToTell() override;
+    bool shouldReportPanelError() override;
     juce::String setting(const juce::String& key, const juce::String& fallback) const override;
     void setSetting(const juce::String& key, const juce::String& value) override;
     juce::String packTitle() const override;
@@ -59,6 +59,7 @@ class EditorPort final : public EditorLink {
     void showAudioSettings() override;
     juce::StringArray instrumentPaths() const override;
     juce::StringArray libraryFolders() const override;
+    juce::String libraryNote() const override;
     void refreshLibrary() override;
     std::uint32_t libraryGeneration() override;
     void cancelLoad() override;
@@ -71,7 +72,7 @@ class EditorPort final : public EditorLink {
     std::atomic<EditorWindow*> window_{nullptr};
     std::atomic<std::uint32_t> windowNumber_{0};
     const std::shared_ptr<MessageCall> endOfLoad_ = MessageCall::make([this] { showEndOfLoad(); });
-    std::optional<std::uint32_t> toldLoad_;
+    std::optional<std::uint32_t> reportedLoad_;
     juce::uint32 libraryCheckedAt_ = 0; // ms
 };
 

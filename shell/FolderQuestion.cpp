@@ -18,7 +18,7 @@ FolderQuestion::FolderQuestion(EditorPort& port, const std::string& sampleName, 
         const auto name = juce::String::fromUTF8(toUtf8(sampleName).c_str());
         EditorWindow* window = port.window();
         if (window == nullptr) return reply->set({});
-        if (port.windowNumber() != number) return; // the load asks the new window by itself
+        if (port.windowNumber() != number) return; // LoadRunner::discuss asks the new window
         window->askForSampleFolder(name, start, [reply](const juce::File& chosen) { reply->set(chosen); });
     })) {
     call_->post();

@@ -11,8 +11,8 @@ namespace zarno {
 
 class EditorPort;
 
-/// A load's question to the user where a sample lies, shown by the open window. The loading thread polls for the
-/// answer and may drop the question at any time; no thread waits for the message thread.
+/// A load's question to the user where a sample lies, shown by the open window. The loading thread polls for
+/// the answer and may drop the question at any time; no thread waits for the message thread.
 class FolderQuestion {
   public:
     /// `sampleName`: of the missing file. `start`: the folder that is shown first.

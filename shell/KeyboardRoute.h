@@ -21,7 +21,7 @@ class KeyboardRoute final : private juce::MidiKeyboardState::Listener {
         : engine_(engine) {}
 
     /// [message thread] From now on host notes pass through `state`, whose changes all reach the engine. Null
-    /// takes the route away; the state may be deleted afterwards. Nobody else turns this state into events.
+    /// takes the route away; the state may be deleted afterwards. No other code turns this state into events.
     void publish(juce::MidiKeyboardState* state);
 
     /// [message thread] Held while the window itself changes the published state (mouse, computer keys, all

@@ -18,7 +18,7 @@ std::shared_ptr<const Library> read(const std::vector<std::string>& folders) {
     const auto library = std::make_shared<Library>();
     const bool answers = doWithPatience(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
-    return answers ? library : std::make_shared<Library>();
+    return answers ? library : std::make_shared<Library>(Library::unanswered());
 }
 
 // Another number when a file has come or gone in any of the folders.

@@ -66,12 +66,12 @@ bool LoadController::restore(LoadRequest request) {
     return runningTicket_ == ticket;
 }
 
-void LoadController::finish(bool succeeded, bool replaced) {
+void LoadController::finish(bool succeeded, bool cleared) {
     const std::lock_guard hold(lock_);
     lastLoadSucceeded_ = succeeded;
     if (succeeded)
         loadedPath_ = running_.path;
-    else if (replaced)
+    else if (cleared)
         loadedPath_.clear();
     // A chunk that arrived during this load belongs to a request of its own.
     const bool isOwnChunk = waitingTicket_ == 0 && currentPath_ == running_.path;

@@ -10,8 +10,8 @@
 
 namespace zarno {
 
-/// Owns which instrument is current, which request is being loaded and which one waits. Decides what happens to
-/// a request; loads nothing itself. The table of transitions is in docs/architecture.md.
+/// Owns which instrument is current, which request is being loaded and which one waits. Decides what happens
+/// to a request; loads nothing itself. The table of transitions is in docs/architecture.md.
 ///
 /// Any thread may call any operation. Only `restore` waits, and only for the end of the running load.
 class LoadController {
@@ -23,18 +23,19 @@ class LoadController {
         Closed        ///< no request is taken any more
     };
 
-    /// The user or the host chooses an instrument, to be loaded in the background. During a load the choice only
-    /// becomes the current path and index. Choosing what is loaded already does nothing; choosing the path whose
-    /// load failed, or that was named during another load, loads it. True: the caller starts the loading thread,
-    /// which performs `running`.
+    /// The user or the host chooses an instrument, to be loaded in the background. During a load the choice
+    /// only becomes the current path and index. Choosing what is loaded already does nothing; choosing the
+    /// path whose load failed, or that was named during another load, loads it. True: the caller starts the
+    /// loading thread, which performs `running`.
     bool select(const std::string& path, int index);
 
-    /// The current instrument once more, in the background. `liveState` is the tail of a chunk with the player's
-    /// values and is applied afterwards; a restored state whose load failed goes before it. True as for select.
+    /// The current instrument once more, in the background. `liveState` is the tail of a chunk with the
+    /// player's values and is applied afterwards; a restored state whose load failed goes before it. True as
+    /// for select.
     bool reload(std::vector<std::uint8_t> liveState);
 
-    /// `path` in the background in place of a current instrument that could not be loaded, with the restored state
-    /// that waited for it. True as for select.
+    /// `path` in the background in place of a current instrument that could not be loaded, with the restored
+    /// state that waited for it. True as for select.
     bool replaceMissing(const std::string& path, int index);
 
     /// A load that the caller performs itself, as soon as a running one has ended. False: a later restore or
@@ -44,9 +45,10 @@ class LoadController {
     /// The request that is being loaded. Only for the thread that performs it, until `finish`.
     const LoadRequest& running() const { return running_; }
 
-    /// The running load has ended, and the request that waited runs. `succeeded`: the request's instrument is loaded, its state applied.
-    /// `replaced`: what was loaded before is gone, even when the load failed.
-    void finish(bool succeeded, bool replaced);
+    /// The running load has ended, and the request that waited runs. `succeeded`: the request's instrument is
+    /// loaded, its state applied. `cleared`: what was loaded before is gone, whether the load succeeded or
+    /// not.
+    void finish(bool succeeded, bool cleared);
 
     /// No request starts any more, and those that wait give up. The running load still ends with `finish`.
     void close();
@@ -85,7 +87,8 @@ class LoadController {
     std::string currentPath_, loadedPath_;
     int currentIndex_ = -1;
     bool lastLoadSucceeded_ = true;
-    std::vector<std::uint8_t> receivedChunk_; // of the last restore, until it is loaded or another path is chosen
+    std::vector<std::uint8_t>
+        receivedChunk_; // of the last restore, until it is loaded or another path is chosen
 };
 
 } // namespace zarno

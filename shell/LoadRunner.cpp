@@ -4,8 +4,8 @@
 #include "data/Limits.h"
 #include "engine/ZInstrument.h"
 #include "engine/ZSEDelegate.h"
-#include "platform/Patience.h"
 #include "platform/Paths.h"
+#include "platform/Patience.h"
 #include "platform/ThreadRole.h"
 #include "shell/EditorPort.h"
 #include "shell/FolderQuestion.h"
@@ -39,12 +39,6 @@ void log(const LoadProblem& problem) {
         std::fprintf(stderr, "Zarno Sampler Player: %s\n", sentence(problem).c_str());
 }
 
-// Keys and pedals that the host let go of while it was kept out.
-void releaseAllNotes(ZInstrument& engine) {
-    engine.postEvent(midi::controller, 0, 64, 0, 0);
-    engine.postEvent(midi::controller, 0, 123, 0, 0);
-}
-
 } // namespace
 
 void LoadRunner::perform() {
@@ -54,29 +48,30 @@ void LoadRunner::perform() {
         const ZInstrument::Hurry hurry(engine); // a bounce that waits for the disk holds the callback lock
         parts_.processor.suspendProcessing(true);
     }
-    bool succeeded = false, replaced = false;
+    bool succeeded = false;
+    isCleared_ = false;
     {
         const thread::Acts asLoading(thread::loading);
         engine.setLoading(true);
         const LoadResult result = read(request);
         log(result.problem);
         succeeded = result.loaded;
-        replaced = result.opened || !request.receivedChunk.empty();
-        if (replaced && !result.opened) clearEngine();
+        if (!isCleared_ && !request.receivedChunk.empty()) clearEngine(); // not another one with its values
         const juce::ScopedLock hold(reportLock_);
         report_ = {request.path, result};
     }
-    releaseAllNotes(engine);
+    engine.requestRelease(); // keys and pedals that the host let go of meanwhile
     engine.setLoading(false);
     parts_.processor.suspendProcessing(false);
     applyState(request.pendingState);
-    parts_.controller.finish(succeeded, replaced);
+    parts_.controller.finish(succeeded, isCleared_);
 }
 
 void LoadRunner::fail() {
     {
         const juce::ScopedLock hold(reportLock_);
-        report_ = {parts_.controller.running().path, failure(parts_.controller.running().path, LoadProblem::Kind::OutOfMemory)};
+        report_ = {parts_.controller.running().path,
+                   failure(parts_.controller.running().path, LoadProblem::Kind::OutOfMemory)};
     }
     parts_.controller.finish(false, false);
 }
@@ -119,8 +114,7 @@ std::optional<LoadProblem::Kind> LoadRunner::follow(LoadJob& job) {
             job.cancel();
             cancelledAt = Clock::now();
         }
-        if (cancelledAt && Clock::now() - *cancelledAt > cancelTimeout)
-            return LoadProblem::Kind::Cancelled;
+        if (cancelledAt && Clock::now() - *cancelledAt > cancelTimeout) return LoadProblem::Kind::Cancelled;
         if (job.hangs()) return LoadProblem::Kind::NoAnswer;
     }
 }
@@ -128,14 +122,15 @@ std::optional<LoadProblem::Kind> LoadRunner::follow(LoadJob& job) {
 void LoadRunner::clearEngine() {
     const juce::ScopedLock hold(contentsLock_);
     parts_.engine.clear();
+    isCleared_ = true;
 }
 
 bool LoadRunner::mayAsk() const {
     return parts_.editor.window() != nullptr && !parts_.controller.declinesQuestions();
 }
 
-// One step: the user may take any time. A question goes with the window that showed it, and the next window asks
-// again.
+// One step: the user may take any time. A question goes with the window that showed it, and the next window
+// asks again.
 void LoadRunner::discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question) {
     std::optional<std::string> answer = std::string();
     if (question && question->windowNumber() != parts_.editor.windowNumber()) question.reset();

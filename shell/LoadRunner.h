@@ -21,13 +21,13 @@ class Settings;
 class ZInstrument;
 class ZSEDelegate;
 
-/// Performs the load that LoadController has decided on: keeps the audio thread out of the engine, has a reader
-/// read the file, asks the user for missing samples, hands the new contents to the engine, applies a restored
-/// state.
+/// Performs the load that LoadController has decided on: keeps the audio thread out of the engine, has a
+/// reader read the file, asks the user for missing samples, hands the new contents to the engine, applies a
+/// restored state.
 class LoadRunner {
   public:
-    /// What the load works on; all outlive it. `delegate` hears of progress, says whether to go on, and is told
-    /// when a restored state changes the active groups.
+    /// What the load works on; all outlive it. `delegate` hears of progress, says whether to go on, and is
+    /// told when a restored state changes the active groups.
     struct Parts {
         ZInstrument& engine;
         ZSEDelegate& delegate;
@@ -39,8 +39,8 @@ class LoadRunner {
     explicit LoadRunner(const Parts& parts)
         : parts_(parts) {}
 
-    /// [loading, or the thread that restores] The whole of `controller.running()`, which has finished when this
-    /// returns.
+    /// [loading, or the thread that restores] The whole of `controller.running()`, which has finished when
+    /// this returns.
     void perform();
 
     /// [any but audio] Ends `controller.running()`, which no thread can perform.
@@ -58,10 +58,12 @@ class LoadRunner {
         LoadResult result;
     };
     Report report() const;
-    /// [any] Whether the last load would have asked for missing samples, had its caller not waited. True once.
+    /// [any] Whether the last load would have asked for missing samples, had its caller not waited. True
+    /// once.
     bool takeUnaskedQuestion();
 
-    /// [any but audio] Where the user looked for samples the last time, if the system answers for that folder.
+    /// [any but audio] Where the user looked for samples the last time, if the system answers for that
+    /// folder.
     juce::File missingFolder() const;
 
   private:
@@ -75,6 +77,7 @@ class LoadRunner {
     void makeOnlyActiveGroup(std::int32_t index);
 
     const Parts parts_;
+    bool isCleared_ = false; // by the running load; used by its thread alone
     juce::CriticalSection contentsLock_;
     juce::CriticalSection reportLock_; // guards the two below
     Report report_;

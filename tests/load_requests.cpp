@@ -25,8 +25,8 @@ LoadRequest restoreOf(const std::string& path, std::uint8_t mark) {
     return {path, -1, chunkOf(path, mark), {mark}, false};
 }
 
-// A controller in one of its states: "loaded" is loaded; from Loading on "running" is being loaded, with a restored
-// state of its own.
+// A controller in one of its states: "loaded" is loaded; from Loading on "running" is being loaded, with a
+// restored state of its own.
 class Situation {
   public:
     explicit Situation(State wanted) {
@@ -84,7 +84,9 @@ TEST(LoadRequests, SelectInEachState) {
         Expected other, current;
     } rows[] = {
         {State::Idle, {true, State::Loading, "other", "other"}, {false, State::Idle, "loaded", ""}},
-        {State::Loading, {false, State::Loading, "other", "running"}, {false, State::Loading, "running", "running"}},
+        {State::Loading,
+         {false, State::Loading, "other", "running"},
+         {false, State::Loading, "running", "running"}},
         {State::RestoreWaits,
          {false, State::RestoreWaits, "other", "running"},
          {false, State::RestoreWaits, "waiting", "running"}},
@@ -105,13 +107,25 @@ TEST(LoadRequests, ReloadRestoreAndCloseInEachState) {
         Expected reload, replace;
         State afterRestore, afterFinish;
     } rows[] = {
-        {State::Idle, {true, State::Loading, "loaded", "loaded"}, {true, State::Loading, "new", "new"},
-         State::Loading, State::Idle},
-        {State::Loading, {false, State::Loading, "running", "running"}, {false, State::Loading, "running", "running"},
-         State::RestoreWaits, State::Idle},
-        {State::RestoreWaits, {false, State::RestoreWaits, "waiting", "running"},
-         {false, State::RestoreWaits, "waiting", "running"}, State::RestoreWaits, State::Loading},
-        {State::Closed, {false, State::Closed, "loaded", ""}, {false, State::Closed, "loaded", ""}, State::Closed,
+        {State::Idle,
+         {true, State::Loading, "loaded", "loaded"},
+         {true, State::Loading, "new", "new"},
+         State::Loading,
+         State::Idle},
+        {State::Loading,
+         {false, State::Loading, "running", "running"},
+         {false, State::Loading, "running", "running"},
+         State::RestoreWaits,
+         State::Idle},
+        {State::RestoreWaits,
+         {false, State::RestoreWaits, "waiting", "running"},
+         {false, State::RestoreWaits, "waiting", "running"},
+         State::RestoreWaits,
+         State::Loading},
+        {State::Closed,
+         {false, State::Closed, "loaded", ""},
+         {false, State::Closed, "loaded", ""},
+         State::Closed,
          State::Closed},
     };
     for (const auto& row : rows) {
@@ -184,7 +198,8 @@ TEST(LoadRequests, AChoiceDuringALoadCanBeMadeAgainAfterIt) {
     EXPECT_EQ(loads.running().index, 1);
 }
 
-// Threads that restore, choose and close at random. Each load applies its own state, and the last restore wins.
+// Threads that restore, choose and close at random. Each load applies its own state, and the last restore
+// wins.
 TEST(LoadRequests, InterleavedRestoresNeverTakeEachOthersState) {
     for (std::uint32_t seed = 1; seed <= 200; ++seed) {
         LoadController loads;

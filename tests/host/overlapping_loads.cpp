@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Projects that are restored, instruments that are chosen and states that are saved while a load is under way.
+// Projects that are restored, instruments that are chosen and states that are saved while a load is under
+// way.
 #include "tests/host/HostRig.h"
 #include "tests/support/Chance.h"
 #include "tools/vsthost/HostWindow.h"
@@ -69,7 +70,8 @@ TEST_F(OverlappingLoads, ARestoreDuringALoadKeepsItsSettings) {
 
 TEST_F(OverlappingLoads, OfTwoRestoresAtOnceTheLastOneStays) {
     for (int i = 0; i < 12; ++i) {
-        const auto first = withValues(slow, -20.0f, -3.0f), second = withValues(i % 2 == 0 ? slow : small, -9.0f, -1.0f);
+        const auto first = withValues(slow, -20.0f, -3.0f),
+                   second = withValues(i % 2 == 0 ? slow : small, -9.0f, -1.0f);
         std::thread other([&] { plugin->restore(first); });
         while (plugin->chunk() != first)
             std::this_thread::yield();
@@ -83,7 +85,8 @@ TEST_F(OverlappingLoads, AChoiceDuringALoadIsSavedWithTheEnginesValues) {
     plugin->selectProgram(1);
     plugin->selectProgram(0);
     quiet();
-    EXPECT_EQ(plugin->chunk(), withPath(slow, pathOf(small))) << "the path that was chosen, all that is loaded";
+    EXPECT_EQ(plugin->chunk(), withPath(slow, pathOf(small)))
+        << "the path that was chosen, all that is loaded";
     plugin->selectProgram(0);
     quiet();
     EXPECT_EQ(plugin->chunk(), small) << "chosen again, it loads";
@@ -113,8 +116,8 @@ int stressSteps(int usual) {
     return wanted != nullptr ? std::atoi(wanted) : usual;
 }
 
-// What hosts, users and their threads do to one instance, at random. At each quiet point the saved state is what the
-// last request asked for. ZARNO_STRESS_STEPS asks for more steps.
+// What hosts, users and their threads do to one instance, at random. At each quiet point the saved state is
+// what the last request asked for. ZARNO_STRESS_STEPS asks for more steps.
 class RandomRequests : public OverlappingLoads {
   protected:
     Bytes anyChunk(Chance& by) const {
@@ -126,13 +129,20 @@ class RandomRequests : public OverlappingLoads {
 
     void makeOne(bool withWindow) {
         switch (chance.below(withWindow ? 8 : 6)) {
-        case 0: return plugin->restore(anyChunk(chance));
-        case 1: return static_cast<void>(plugin->chunk());
-        case 2: return plugin->setOffline(chance.oneIn(2));
-        case 3: return pause();
-        case 6: return toggleWindow();
-        case 7: return runWindow();
-        default: return plugin->selectProgram(anyProgram());
+        case 0:
+            return plugin->restore(anyChunk(chance));
+        case 1:
+            return static_cast<void>(plugin->chunk());
+        case 2:
+            return plugin->setOffline(chance.oneIn(2));
+        case 3:
+            return pause();
+        case 6:
+            return toggleWindow();
+        case 7:
+            return runWindow();
+        default:
+            return plugin->selectProgram(anyProgram());
         }
     }
     void toggleWindow() {

@@ -44,6 +44,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::uint32_t loads = 0;
     std::optional<std::uint32_t> toldLoad;
     juce::StringArray titles, paths;
+    juce::String leftOut;
     Activity heard;
     bool silent = false, isCancelled = false;
     std::uint32_t library = 0;
@@ -74,7 +75,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     void locateInstrument(const juce::File& file) override { located = file; }
     Missing missingSamples() const override { return missing; }
     void locateMissingSamples(const juce::File&) override {}
-    bool takeTurnToTell() override { return std::exchange(toldLoad, loads) != loads; }
+    bool shouldReportPanelError() override { return std::exchange(toldLoad, loads) != loads; }
     juce::String setting(const juce::String& key, const juce::String& fallback) const override {
         const auto found = settings.find(key);
         return found != settings.end() ? found->second : fallback;
@@ -90,6 +91,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     void showAudioSettings() override {}
     juce::StringArray instrumentPaths() const override { return paths; }
     juce::StringArray libraryFolders() const override { return {"/library"}; }
+    juce::String libraryNote() const override { return leftOut; }
     void refreshLibrary() override { ++library; }
     std::uint32_t libraryGeneration() override { return library; }
     void cancelLoad() override { isCancelled = true; }
