@@ -18,7 +18,7 @@ struct InstrumentContents {
     std::vector<std::unique_ptr<ZGroup>> groups;
 };
 
-// The values in an instrument's file, whatever the user has changed since.
+// The values in an instrument's file, without the user's changes.
 struct FileValues {
     InstrumentSettings settings;
     std::vector<GroupRecord> groups;

@@ -316,7 +316,7 @@ void CZSPGUI::buttonClicked(juce::Button* button) {
     access_.edit([binding, isOn = button->getToggleState()](PanelEdits& edits) {
         edits.buttonClicked(*binding, isOn);
     });
-    // A play mode stays on when it is clicked once more, whatever the click has done to the button.
+    // The click may have turned the button of a play mode off, which stays the play mode.
     refresh_.forget(*button);
     if (binding->action == ButtonAction::ResetSettings) refreshAll();
     if (binding->action != ButtonAction::StopVoices) link_.editEnded();

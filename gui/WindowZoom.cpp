@@ -38,9 +38,11 @@ void WindowZoom::fit(const juce::Component& window, int width, int height) {
     // Quarters, as desktops offer them. JUCE draws at its own scale of the display already.
     const double wanted = std::round(system_.desktopScale() / display->scale * 4.0) / 4.0;
     desktop_ = static_cast<float>(std::max(1.0, wanted));
-    const double room = std::min(display->userArea.getWidth() / (width * static_cast<double>(desktop_)),
-                                 (display->userArea.getHeight() - frameHeight) /
-                                     (height * static_cast<double>(desktop_)));
+    // A host's scale is a transform of the window itself.
+    const double unit = juce::Component::getApproximateScaleFactorForComponent(&window) *
+                        static_cast<double>(desktop_);
+    const auto area = display->userArea.withTrimmedTop(frameHeight);
+    const double room = std::min(area.getWidth() / (width * unit), area.getHeight() / (height * unit));
     largest_ = zoomPercents[0];
     for (const int percent : zoomPercents)
         if (percent <= room * 100.0) largest_ = percent;

@@ -15,7 +15,7 @@ class LiveLibrary {
   public:
     /// Reads `folders`; empty when the file system does not answer.
     explicit LiveLibrary(std::vector<std::string> folders);
-    /// Leaves a reading behind that does not end by itself.
+    /// Abandons a scan that is still running.
     ~LiveLibrary();
 
     /// [any] What was read last. Entries keep their places while the caller holds it.

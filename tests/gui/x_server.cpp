@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What reaches the screen, read back from the X server.
+// What an X server shows of the window, and what a host does with the window around it.
 #include "gui/CLookAndFeel.h"
 #include "tests/gui/support/WindowFixture.h"
 
@@ -58,9 +58,9 @@ class ZoomSession final : private juce::Timer {
     int left_, waiting_ = 0, unpainted_ = 0;
 };
 
-class WindowOnScreenPaints : public Window {};
+class WindowOnScreenOfX : public Window {};
 
-TEST_F(WindowOnScreenPaints, AllOfItselfAfterEachOfAHundredEnlargementsUnderLoad) {
+TEST_F(WindowOnScreenOfX, AllOfItselfAfterEachOfAHundredEnlargementsUnderLoad) {
     CLookAndFeel lookAndFeel;
     lookAndFeel.install();
     load({});
@@ -80,6 +80,53 @@ TEST_F(WindowOnScreenPaints, AllOfItselfAfterEachOfAHundredEnlargementsUnderLoad
     for (auto& thread : busy)
         thread.join();
     EXPECT_EQ(session.unpainted(), 0);
+}
+
+// Opens a menu, has the host hide its window, and waits until the menu has gone.
+class HidingSession final : private juce::Timer {
+  public:
+    HidingSession(CZSPGUI& window, Display* display, ::Window host)
+        : window_(window)
+        , display_(display)
+        , host_(host) {
+        startTimer(50);
+    }
+    bool hasOpened() const { return isHidden_; }
+    bool hasClosed() const { return isHidden_ && menus() == 0; }
+
+  private:
+    static int menus() { return juce::ModalComponentManager::getInstance()->getNumModalComponents(); }
+    void timerCallback() override {
+        if (hasClosed() || ++ticks_ == 100) return juce::MessageManager::getInstance()->stopDispatchLoop();
+        if (isHidden_) return;
+        if (menus() == 0) return window_.dialogs().showInstrumentMenu(window_.statusBar());
+        XUnmapWindow(display_, host_);
+        XSync(display_, False);
+        isHidden_ = true;
+    }
+
+    CZSPGUI& window_;
+    Display* display_;
+    ::Window host_;
+    int ticks_ = 0;
+    bool isHidden_ = false;
+};
+
+TEST_F(WindowOnScreenOfX, ItsMenusCloseWhenTheHostHidesTheWindowAroundIt) {
+    load({});
+    Display* display = XOpenDisplay(nullptr);
+    const auto host = XCreateSimpleWindow(display, DefaultRootWindow(display), 50, 50, 700, 400, 0, 0, 0);
+    XMapRaised(display, host);
+    XSync(display, False);
+    open();
+    window->addToDesktop(0, reinterpret_cast<void*>(host));
+    HidingSession session(*window, display, host);
+    juce::MessageManager::getInstance()->runDispatchLoop();
+    EXPECT_TRUE(session.hasOpened());
+    EXPECT_TRUE(session.hasClosed());
+    juce::PopupMenu::dismissAllActiveMenus();
+    window.reset();
+    XCloseDisplay(display);
 }
 
 } // namespace
