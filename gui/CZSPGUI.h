@@ -134,7 +134,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     WindowDialogs dialogs_{*this, *this, link_};
     juce::TooltipWindow tooltips_{this, 900};
     Repainter repainter_{*this};
-    NativeWindow system_;
+    SystemDesktop system_;
     WindowInput input_{*this,
                        panel_,
                        {[this] { return list_.isVisible() || browser_.isVisible() || overlay_.isVisible(); },

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "gui/NativeWindow.h"
+#include "gui/SystemDesktop.h"
 #include "shell/EditorLink.h"
 
 namespace zarno {
@@ -29,7 +29,7 @@ class WindowZoom {
 
   private:
     EditorLink& link_;
-    NativeWindow system_;
+    SystemDesktop system_;
     int chosen_ = 100, largest_ = 300;
     float desktop_ = 1.0f; // beyond what JUCE does by itself
 };

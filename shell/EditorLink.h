@@ -112,12 +112,12 @@ class EditorLink {
     /// Where the panel publishes its keyboard state.
     virtual KeyboardRoute& keyboardRoute() = 0;
 
-    /// [any thread] What the audio thread does.
+    /// What the audio thread does; all zero when nothing has been rendered for a moment.
     struct Activity {
         float peak = 0.0f; ///< of the output, 1 is full scale
         double cpu = 0.0;  ///< share of the time that the host gives for a block
     };
-    virtual Activity activity() const = 0;
+    virtual Activity activity() = 0;
     /// Nothing renders, and that is this program's own business: it runs without a host.
     virtual bool lacksAudioDevice() const = 0;
     /// Where the user chooses an audio device; not in a host.

@@ -156,9 +156,12 @@ KeyboardRoute& EditorPort::keyboardRoute() {
     return processor_.keyboardRoute();
 }
 
-EditorLink::Activity EditorPort::activity() const {
+EditorLink::Activity EditorPort::activity() {
+    constexpr juce::uint32 pauseMs = 200;
     const auto reading = processor_.activityMeter().read();
-    return {reading.peak, reading.cpu};
+    const auto now = juce::Time::getMillisecondCounter();
+    if (std::exchange(blocksSeen_, reading.blocks) != reading.blocks) blockSeenAt_ = now;
+    return now - blockSeenAt_ < pauseMs ? Activity{reading.peak, reading.cpu} : Activity{};
 }
 
 bool EditorPort::lacksAudioDevice() const {

@@ -53,7 +53,7 @@ class EditorPort final : public EditorLink {
     juce::String vendorText() const override;
     void editEnded() override;
     KeyboardRoute& keyboardRoute() override;
-    Activity activity() const override;
+    Activity activity() override;
     bool lacksAudioDevice() const override;
     bool hasAudioSettings() const override;
     void showAudioSettings() override;
@@ -74,6 +74,8 @@ class EditorPort final : public EditorLink {
     const std::shared_ptr<MessageCall> endOfLoad_ = MessageCall::make([this] { showEndOfLoad(); });
     std::optional<std::uint32_t> reportedLoad_;
     juce::uint32 libraryCheckedAt_ = 0; // ms
+    juce::uint32 blockSeenAt_ = 0;      // ms
+    std::uint32_t blocksSeen_ = 0;
 };
 
 } // namespace zarno

@@ -85,7 +85,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     juce::String vendorText() const override { return "A maker"; }
     void editEnded() override { ++edits; }
     KeyboardRoute& keyboardRoute() override { return route; }
-    Activity activity() const override { return heard; }
+    Activity activity() override { return heard; }
     bool lacksAudioDevice() const override { return silent; }
     bool hasAudioSettings() const override { return silent; }
     void showAudioSettings() override {}

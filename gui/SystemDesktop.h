@@ -6,10 +6,10 @@
 namespace zarno {
 
 // What JUCE does not say of the system's windows. Message thread.
-class NativeWindow {
+class SystemDesktop {
   public:
-    NativeWindow();
-    ~NativeWindow();
+    SystemDesktop();
+    ~SystemDesktop();
 
     // False when the window, or one that it lies in, is hidden. `handle`: as a peer gives it, may be null.
     bool isViewable(void* handle) const;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "gui/NativeWindow.h"
+#include "gui/SystemDesktop.h"
 
 #include <X11/Xlib.h>
 #include <dlfcn.h>
@@ -10,7 +10,7 @@
 namespace zarno {
 
 // A connection of our own: JUCE's is not public. The library is loaded at run time, as JUCE does.
-struct NativeWindow::System {
+struct SystemDesktop::System {
     System() {
         library = dlopen("libX11.so.6", RTLD_NOW | RTLD_LOCAL);
         if (library == nullptr) return;
@@ -30,11 +30,11 @@ struct NativeWindow::System {
     Display* display = nullptr;
 };
 
-NativeWindow::NativeWindow()
+SystemDesktop::SystemDesktop()
     : system_(std::make_unique<System>()) {}
-NativeWindow::~NativeWindow() = default;
+SystemDesktop::~SystemDesktop() = default;
 
-bool NativeWindow::isViewable(void* handle) const {
+bool SystemDesktop::isViewable(void* handle) const {
     if (system_->display == nullptr || handle == nullptr) return true;
     const auto attributesOf = system_->find<decltype(&XGetWindowAttributes)>("XGetWindowAttributes");
     XWindowAttributes attributes;
@@ -43,7 +43,7 @@ bool NativeWindow::isViewable(void* handle) const {
            attributes.map_state == IsViewable;
 }
 
-double NativeWindow::desktopScale() const {
+double SystemDesktop::desktopScale() const {
     double scale = 1.0;
     if (const char* gdk = std::getenv("GDK_SCALE")) scale = std::max(scale, std::strtod(gdk, nullptr));
     if (system_->display != nullptr)
