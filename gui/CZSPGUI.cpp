@@ -264,7 +264,7 @@ void CZSPGUI::refreshLibrary() {
     titles_ = link_.instrumentTitles();
     browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
     firstRun_.setFolder(folders[0]);
-    if (std::exchange(libraryNote_, link_.libraryNote()) != libraryNote_) advice_ = libraryNote_;
+    if (std::exchange(libraryProblem_, link_.libraryProblem()) != libraryProblem_) advice_ = libraryProblem_;
     refreshLabels();
 }
 

@@ -149,7 +149,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     juce::StringArray titles_; // of the library
     juce::String missingText_;
     juce::String advice_; // about a drop that was not taken, or the library
-    juce::String libraryNote_;
+    juce::String libraryProblem_;
     EditorLink::LoadReport lastLoad_;
     std::uint64_t lateReadsSeen_ = 0;
     std::uint32_t groupsSeen_ = 0, librarySeen_ = 0;

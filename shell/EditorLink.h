@@ -56,6 +56,8 @@ class EditorLink {
     /// The library, in program order. Its rows are these titles; a double click selects.
     virtual juce::ListBoxModel& instrumentList() = 0;
     virtual juce::StringArray instrumentTitles() const = 0;
+    /// What the scan of the library left out and why: sentences, empty when it reached everything.
+    virtual juce::String libraryProblem() const = 0;
     /// Of the instrument that is loaded, being loaded, or was chosen during a load: -1 when there is none or
     /// its file is not in the library.
     virtual int currentIndex() const = 0;
@@ -128,8 +130,6 @@ class EditorLink {
     virtual juce::StringArray instrumentPaths() const = 0;
     /// The folders that hold the library, whether they are there or not; first the one to put instruments into.
     virtual juce::StringArray libraryFolders() const = 0;
-    /// What the library leaves out and why, sentences; empty when it has everything.
-    virtual juce::String libraryNote() const = 0;
     /// Reads the library again, in the background. While the window asks for the generation that happens by itself
     /// after a folder has changed.
     virtual void refreshLibrary() = 0;

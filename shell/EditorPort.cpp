@@ -83,6 +83,10 @@ juce::StringArray EditorPort::instrumentTitles() const {
     return titles;
 }
 
+juce::String EditorPort::libraryProblem() const {
+    return fromEngine(processor_.library()->leftOut);
+}
+
 int EditorPort::currentIndex() const {
     const auto [path, index] = processor_.loads().current();
     const auto library = processor_.library(); // which may have been read again since the choice
@@ -191,10 +195,6 @@ juce::StringArray EditorPort::libraryFolders() const {
         if (!folder.empty()) folders.add(juce::String::fromUTF8(folder.c_str()));
     if (folders.size() > 1 && !isFolder(folders[0].toStdString())) folders.move(0, folders.size() - 1);
     return folders;
-}
-
-juce::String EditorPort::libraryNote() const {
-    return juce::String::fromUTF8(processor_.library()->leftOut.c_str());
 }
 
 void EditorPort::refreshLibrary() {

@@ -44,7 +44,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::uint32_t loads = 0;
     std::optional<std::uint32_t> toldLoad;
     juce::StringArray titles, paths;
-    juce::String leftOut;
+    juce::String libraryText;
     Activity heard;
     bool silent = false, isCancelled = false;
     std::uint32_t library = 0;
@@ -65,6 +65,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::uint32_t loadGeneration() const override { return loads; }
     juce::ListBoxModel& instrumentList() override { return *this; }
     juce::StringArray instrumentTitles() const override { return titles; }
+    juce::String libraryProblem() const override { return libraryText; }
     int currentIndex() const override { return index; }
     void selectInstrument(int row, const juce::String& path) override { selected.emplace_back(row, path); }
     void tryAgain() override { ++tries; }
@@ -91,7 +92,6 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     void showAudioSettings() override {}
     juce::StringArray instrumentPaths() const override { return paths; }
     juce::StringArray libraryFolders() const override { return {"/library"}; }
-    juce::String libraryNote() const override { return leftOut; }
     void refreshLibrary() override { ++library; }
     std::uint32_t libraryGeneration() override { return library; }
     void cancelLoad() override { isCancelled = true; }
