@@ -264,7 +264,8 @@ void CZSPGUI::refreshLibrary() {
     titles_ = link_.instrumentTitles();
     browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
     firstRun_.setFolder(folders[0]);
-    if (std::exchange(libraryProblem_, link_.libraryProblem()) != libraryProblem_) advice_ = libraryProblem_;
+    const auto problem = link_.libraryProblem();
+    if (problem != libraryProblem_) advice_ = libraryProblem_ = problem;
     refreshLabels();
 }
 
