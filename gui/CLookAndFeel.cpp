@@ -162,6 +162,32 @@ void CLookAndFeel::drawFileBrowserRow(juce::Graphics& g, int width, int height, 
     g.drawFittedText(time, area, juce::Justification::centredRight, 1);
 }
 
+// JUCE's own form, and the button's face where a layout gives it a colour.
+void CLookAndFeel::drawComboBox(juce::Graphics& g, int width, int height, bool, int, int, int, int,
+                                juce::ComboBox& combo) {
+    const auto area = juce::Rectangle<int>(width, height).toFloat();
+    const auto arrow = juce::Rectangle<float>(static_cast<float>(width) - 30.0f, 0.0f, 20.0f,
+                                              static_cast<float>(height));
+    constexpr float corner = 3.0f;
+    g.setColour(combo.findColour(juce::ComboBox::backgroundColourId));
+    g.fillRoundedRectangle(area, corner);
+    if (combo.isColourSpecified(juce::ComboBox::buttonColourId)) {
+        const juce::Graphics::ScopedSaveState saved(g);
+        g.reduceClipRegion(area.withLeft(arrow.getX()).toNearestInt());
+        g.setColour(combo.findColour(juce::ComboBox::buttonColourId));
+        g.fillRoundedRectangle(area, corner);
+    }
+    g.setColour(combo.hasKeyboardFocus(true) ? Colour(theme::accent)
+                                             : combo.findColour(juce::ComboBox::outlineColourId));
+    g.drawRoundedRectangle(area.reduced(0.5f), corner, 1.0f);
+    juce::Path path;
+    path.startNewSubPath(arrow.getX() + 3.0f, arrow.getCentreY() - 2.0f);
+    path.lineTo(arrow.getCentreX(), arrow.getCentreY() + 3.0f);
+    path.lineTo(arrow.getRight() - 3.0f, arrow.getCentreY() - 2.0f);
+    g.setColour(combo.findColour(juce::ComboBox::arrowColourId).withAlpha(combo.isEnabled() ? 0.9f : 0.2f));
+    g.strokePath(path, juce::PathStrokeType(2.0f));
+}
+
 juce::Font CLookAndFeel::getTextButtonFont(juce::TextButton&, int height) {
     return juce::Font(std::clamp(static_cast<float>(height) * 0.62f, 8.0f, 14.0f));
 }

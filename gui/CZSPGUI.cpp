@@ -7,9 +7,11 @@
 #include "gui/PanelEdits.h"
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
-#include "platform/MessageBox.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
+#if JUCE_WINDOWS
+#include "platform/MessageBox_win32.h"
+#endif
 
 namespace zarno {
 namespace {
@@ -26,6 +28,11 @@ juce::File fileOf(const juce::String& path) {
     return juce::File::isAbsolutePath(path) ? juce::File(path) : juce::File();
 }
 
+juce::String fileNameWithoutExtension(const juce::String& path) {
+    const auto name = path.substring(path.lastIndexOfAnyOf("/\\") + 1);
+    return name.containsChar('.') ? name.upToLastOccurrenceOf(".", false, false) : name;
+}
+
 bool isInstrumentFile(const juce::String& path) {
     return path.endsWithIgnoreCase(".zse") || path.endsWithIgnoreCase(".zs2");
 }
@@ -36,7 +43,7 @@ CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     : AudioProcessorEditor(processor)
     , link_(link)
     , panel_({this, this, this}, &link.keyboardRoute(),
-             [this](const juce::String& caption, const juce::String& text) { showMessage(caption, text); })
+             [this](const juce::String& caption, const juce::String& text) { showPanelProblem(caption, text); })
     , list_(link.instrumentList(), [this] { return link_.instrumentTitles(); }) {
     setSize(600, 250);
     setWantsKeyboardFocus(true);
@@ -49,14 +56,28 @@ CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     list_.onClose = [this] { list_.setVisible(false); };
     connectBar();
     zoomPercent_ = zoomFromSetting(link_.setting(zoomKey));
-    link_.setWindow(this);
     rebuildPlayer();
     startTimerHz(refreshHz);
 }
 
 CZSPGUI::~CZSPGUI() {
     stopTimer();
-    link_.setWindow(nullptr);
+    releaseDraggedKnob();
+    if (isAttached_) link_.setWindow(nullptr);
+}
+
+// Hosts make editors just to ask for their size. The processor shows dialogs when it has a window, so it hears
+// of this one only while it is on a screen.
+void CZSPGUI::parentHierarchyChanged() {
+    followAttachment();
+}
+
+void CZSPGUI::followAttachment() {
+    const bool isAttached = getPeer() != nullptr;
+    if (isAttached == isAttached_) return;
+    isAttached_ = isAttached;
+    link_.setWindow(isAttached ? this : nullptr);
+    if (isAttached && loadSeen_ != link_.loadGeneration()) rebuildPlayer();
 }
 
 void CZSPGUI::connectBar() {
@@ -65,6 +86,7 @@ void CZSPGUI::connectBar() {
     bar_.onGroupMenu = [this](auto& source) { showGroupMenu(source); };
     bar_.onList = [this](auto&) { openInstrumentList(); };
     bar_.onMissing = [this](auto& source) { showMissingMenu(source); };
+    bar_.onLocate = [this](auto&) { locateInstrument(); };
     bar_.onTryAgain = [this](auto&) { link_.tryAgain(); };
     bar_.onZoom = [this](auto& source) { showZoomMenu(source); };
 }
@@ -94,19 +116,22 @@ void CZSPGUI::paint(juce::Graphics& g) {
     g.fillAll(juce::Colour(theme::body));
 }
 
+// During a load the built-in panel stands below the overlay; loadingFinished brings the real one.
 void CZSPGUI::rebuildPlayer() {
+    constexpr int patienceMs = 20; // for a host that takes the window's size right away
     std::string layout = defaultLayout;
     std::vector<std::uint8_t> image;
-    refreshContents();
-    {
-        // During a load the built-in panel stands below the overlay; loadingFinished brings the real one.
-        const juce::ScopedTryLock contents(link_.contentsLock());
-        if (contents.isLocked()) {
+    releaseDraggedKnob();
+    const bool hasContents = access_.read(
+        [&] {
+            readContents();
+            loadSeen_ = link_.loadGeneration();
             const auto& texts = link_.engine().texts();
             layout = texts.layout.value_or(defaultLayout);
             image = texts.panelImage;
-        }
-    }
+        },
+        patienceMs);
+    rebuildDue_ = !hasContents && !link_.isLoading();
     panel_.rebuild(layout, image);
     refresh_.forget();
     fitToPanel();
@@ -125,6 +150,10 @@ void CZSPGUI::loadingFinished() {
     rebuildPlayer();
 }
 
+void CZSPGUI::loadFailed() {
+    showBox("Zarno Sampler Player", "Unable to load this instrument.");
+}
+
 void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                                  std::function<void(const juce::File&)> answer) {
     question_.locateSampleFolder(sampleName, start, std::move(answer));
@@ -137,6 +166,9 @@ void CZSPGUI::timerCallback() {
 
 void CZSPGUI::refresh() {
     const thread::Acts asMessage(thread::message);
+    followAttachment(); // JUCE is silent about a peer that goes
+    if (rebuildDue_) return rebuildPlayer();
+    access_.flush();
     if (link_.groupsGeneration() != groupsSeen_) {
         refreshAll();
         return;
@@ -153,13 +185,19 @@ void CZSPGUI::refreshAll() {
     refreshActivity();
 }
 
-// What the window keeps of the instrument: names, selection, the keys' roles.
-void CZSPGUI::refreshContents() {
-    const juce::ScopedTryLock contents(link_.contentsLock());
-    if (!contents.isLocked()) return;
+bool CZSPGUI::refreshContents() {
+    return access_.read([this] { readContents(); });
+}
+
+// What the window keeps of the instrument: names, selection, the keys' roles. The caller has the contents.
+void CZSPGUI::readContents() {
     groupsSeen_ = link_.groupsGeneration();
     const ZInstrument& engine = link_.engine();
-    instrumentName_ = engine.texts().path.empty() ? juce::String() : fromEngine(engine.texts().name);
+    instrumentName_ = fromEngine(engine.texts().name);
+    if (engine.texts().path.empty())
+        instrumentName_.clear();
+    else if (instrumentName_.trim().isEmpty())
+        instrumentName_ = fileNameWithoutExtension(fromEngine(engine.texts().path));
     selection_.follow(engine, link_.loadGeneration());
     roles_ = keyRolesOf(engine);
     groupNames_.clearQuick();
@@ -170,6 +208,7 @@ void CZSPGUI::refreshContents() {
     }
     activeGroupNames_ = active.joinIntoString(", ");
     missingText_ = missingText(link_.missingSamples());
+    lastLoad_ = link_.lastLoad();
     refresh_.forget();
 }
 
@@ -187,10 +226,10 @@ void CZSPGUI::refreshLabels() {
 }
 
 void CZSPGUI::refreshControls() {
-    const juce::ScopedTryLock contents(link_.contentsLock());
-    if (!contents.isLocked()) return;
-    const PanelEdits engine(link_.engine(), selection_.indices(link_.loadGeneration()));
-    refresh_.refresh(panel_.controls(), engine);
+    access_.read([this] {
+        const PanelEdits engine(link_.engine(), selection_.indices(link_.loadGeneration()));
+        refresh_.refresh(panel_.controls(), engine);
+    });
 }
 
 void CZSPGUI::refreshKeyboards() {
@@ -207,6 +246,8 @@ void CZSPGUI::refreshBar() {
     if (!link_.isLoading()) {
         state.missing = missingText_;
         state.hasFailed = !link_.lastLoadSucceeded();
+        state.problem = lastLoad_.problem;
+        state.canLocate = lastLoad_.fileIsMissing;
     }
     bar_.show(state);
 }
@@ -221,30 +262,33 @@ void CZSPGUI::refreshActivity() {
     refreshOverlay();
 }
 
-// Runs a change of the engine while its contents stay in place; during a load nothing happens.
-template <typename Edit>
-void CZSPGUI::edit(Edit&& change) {
-    const juce::ScopedTryLock contents(link_.contentsLock());
-    if (!contents.isLocked()) return;
-    PanelEdits edits(link_.engine(), selection_.indices(link_.loadGeneration()));
-    change(edits);
+void CZSPGUI::sliderValueChanged(juce::Slider* slider) {
+    access_.edit([id = PanelBuilder::idOf(*slider), position = slider->getValue()](PanelEdits& edits) {
+        edits.knobMoved(id, position);
+    });
+    if (slider != dragged_) sliderDragEnded(slider); // by keyboard or wheel: a change of its own
 }
 
-void CZSPGUI::sliderValueChanged(juce::Slider* slider) {
-    const int id = PanelBuilder::idOf(*slider);
-    edit([&](PanelEdits& edits) { edits.knobMoved(id, slider->getValue()); });
-    if (!slider->isMouseButtonDown()) sliderDragEnded(slider); // by keyboard or wheel: a change of its own
+void CZSPGUI::sliderDragStarted(juce::Slider* slider) {
+    dragged_ = slider;
+}
+
+// The mouse lets go of a knob whose panel goes: it gets no event any more.
+void CZSPGUI::releaseDraggedKnob() {
+    const auto* slider = std::exchange(dragged_, nullptr);
+    if (slider != nullptr && PanelBuilder::idOf(*slider) == pitchBendKnobId) link_.engine().setPitchBend(0.0f);
 }
 
 void CZSPGUI::sliderDragEnded(juce::Slider* slider) {
+    dragged_ = nullptr;
     const bool springsBack = PanelBuilder::idOf(*slider) == pitchBendKnobId;
     if (springsBack && slider->getValue() != 0.5) slider->setValue(0.5, juce::sendNotificationSync);
     if (!springsBack) link_.editEnded();
 }
 
 void CZSPGUI::comboBoxChanged(juce::ComboBox* combo) {
-    edit([&](PanelEdits& edits) {
-        edits.comboChosen(PanelBuilder::idOf(*combo), combo->getSelectedItemIndex());
+    access_.edit([id = PanelBuilder::idOf(*combo), item = combo->getSelectedItemIndex()](PanelEdits& edits) {
+        edits.comboChosen(id, item);
     });
     link_.editEnded();
 }
@@ -264,7 +308,11 @@ void CZSPGUI::buttonClicked(juce::Button* button) {
     default:
         break;
     }
-    edit([&](PanelEdits& edits) { edits.buttonClicked(*binding, button->getToggleState()); });
+    access_.edit([binding, isOn = button->getToggleState()](PanelEdits& edits) {
+        edits.buttonClicked(*binding, isOn);
+    });
+    // A play mode stays on when it is clicked once more, whatever the click has done to the button.
+    refresh_.forget(*button);
     if (binding->action == ButtonAction::ResetSettings) refreshAll();
     if (binding->action != ButtonAction::StopVoices) link_.editEnded();
 }
@@ -333,6 +381,11 @@ void CZSPGUI::openInstrumentFile() {
     });
 }
 
+void CZSPGUI::locateInstrument() {
+    dialogs_.openInstrument(fileOf(link_.setting(lastFileKey)),
+                            [this](const juce::File& file) { link_.locateInstrument(file); });
+}
+
 void CZSPGUI::openInstrumentList() {
     if (list_.isVisible())
         list_.setVisible(false);
@@ -355,13 +408,14 @@ bool CZSPGUI::keyStateChanged(bool isKeyDown) {
     return !keyboards.empty() && !list_.isVisible() && keyboards.front()->keyStateChanged(isKeyDown);
 }
 
-// On Windows the system's own box, later: it runs messages of its own, and now the panel is being built.
-// Elsewhere one of the framework's, which does not block and goes with the window.
-void CZSPGUI::showMessage(const juce::String& caption, const juce::String& text) {
-    if (!link_.takeTurnToTell()) return;
+void CZSPGUI::showPanelProblem(const juce::String& caption, const juce::String& text) {
+    if (link_.shouldReportPanelError()) showBox(caption, text);
+}
+
+// On Windows the system's own box, which outlives the window. Elsewhere one of JUCE's that goes with the window.
+void CZSPGUI::showBox(const juce::String& caption, const juce::String& text) {
 #if JUCE_WINDOWS
-    juce::MessageManager::callAsync(
-        [caption, text] { showMessageBox(caption.toStdString(), text.toStdString()); });
+    showMessageBox(caption.toStdString(), text.toStdString());
 #else
     box_ = std::make_unique<juce::AlertWindow>(caption, text, juce::MessageBoxIconType::WarningIcon, this);
     box_->addButton("OK", 0, juce::KeyPress(juce::KeyPress::returnKey),

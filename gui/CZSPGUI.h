@@ -4,6 +4,7 @@
 #include "gui/CLoadingComponent.h"
 #include "gui/CPlayerGUI.h"
 #include "gui/ControlRefresh.h"
+#include "gui/EngineAccess.h"
 #include "gui/FileDialogs.h"
 #include "gui/GroupSelection.h"
 #include "gui/InstrumentListPanel.h"
@@ -32,7 +33,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     CZSPGUI(juce::AudioProcessor& processor, EditorLink& link);
     ~CZSPGUI() override;
 
-    // Everything anew from the instrument that the engine holds.
+    // Everything anew from the instrument that the engine holds; later, when another thread has it just now.
     void rebuildPlayer();
     // What the clock of the window does 30 times a second: shows what has changed in the engine.
     void refresh();
@@ -48,14 +49,17 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void showMissingMenu(juce::Component& source);
     void showZoomMenu(juce::Component& source);
     void openInstrumentFile();
+    void locateInstrument();
     void openInstrumentList();
 
     void loadingStarted() override;
     void loadingFinished() override;
+    void loadFailed() override;
     void askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                             std::function<void(const juce::File&)> answer) override;
 
     void sliderValueChanged(juce::Slider*) override;
+    void sliderDragStarted(juce::Slider*) override;
     void sliderDragEnded(juce::Slider*) override;
     void buttonClicked(juce::Button*) override;
     void comboBoxChanged(juce::ComboBox*) override;
@@ -64,15 +68,18 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void filesDropped(const juce::StringArray& files, int x, int y) override;
 
     bool keyStateChanged(bool isKeyDown) override;
+    void parentHierarchyChanged() override;
     void paint(juce::Graphics&) override;
 
   private:
     void timerCallback() override;
     void connectBar();
     void fitToPanel();
+    void followAttachment();
 
     void refreshAll();
-    void refreshContents();
+    bool refreshContents();
+    void readContents();
     void refreshLabels();
     void refreshControls();
     void refreshKeyboards();
@@ -80,12 +87,12 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void refreshOverlay();
     void refreshActivity();
 
-    template <typename Edit>
-    void edit(Edit&& change);
+    void releaseDraggedKnob();
     void stepInstrument(int direction);
     void pickGroup(int group, bool toggle);
     void showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked);
-    void showMessage(const juce::String& caption, const juce::String& text);
+    void showPanelProblem(const juce::String& caption, const juce::String& text);
+    void showBox(const juce::String& caption, const juce::String& text);
     juce::String titleText() const;
     juce::StringArray information() const;
 
@@ -95,20 +102,26 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     StatusBar bar_;
     InstrumentListPanel list_;
     CLoadingComponent overlay_;
-    std::unique_ptr<juce::AlertWindow> box_; // what is wrong with the panel
+    std::unique_ptr<juce::AlertWindow> box_; // where the system's own box is not used
     FileDialogs dialogs_;                    // the user's own
     FileDialogs question_;                   // the load's
     juce::TooltipWindow tooltips_{this, 900};
     Repainter repainter_{*this};
 
     GroupSelection selection_;
+    EngineAccess access_{link_, selection_};
     ControlRefresh refresh_;
+    juce::Slider* dragged_ = nullptr; // the knob that the mouse holds
     KeyRoles roles_{};
     juce::String instrumentName_; // empty when nothing is loaded
     juce::String activeGroupNames_;
     juce::StringArray groupNames_;
     juce::String missingText_;
+    EditorLink::LoadReport lastLoad_;
     std::uint32_t groupsSeen_ = 0;
+    std::uint32_t loadSeen_ = 0; // the load that the panel was built from
+    bool rebuildDue_ = false;    // it could not be: another thread had the contents
+    bool isAttached_ = false;    // to a window of the system, which is when the processor knows of this
     int zoomPercent_ = 100;
 };
 

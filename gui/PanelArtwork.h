@@ -28,7 +28,7 @@ class DefaultStripButton final : public juce::ImageButton {
   public:
     explicit DefaultStripButton(const juce::String& name)
         : ImageButton(name) {}
-    void paintButton(juce::Graphics&, bool isOver, bool isDown) override;
+    void paintButton(juce::Graphics&, bool, bool isDown) override;
 };
 
 } // namespace zarno

@@ -7,6 +7,7 @@ namespace zarno {
 namespace {
 
 juce::String activity(const StatusBar::State& state) {
+    if (state.problem.isNotEmpty()) return state.problem;
     if (state.hasFailed) return "Loading failed";
     const auto voices = state.voices == 1 ? juce::String("1 voice") : juce::String(state.voices) + " voices";
     return voices + (state.isStreaming ? ", streaming" : ", in memory");
@@ -21,14 +22,14 @@ StatusBar::StatusBar() {
     add(groups_, "Group", "Group menu", &StatusBar::onGroupMenu);
     add(list_, "List", "Instrument list", &StatusBar::onList);
     add(missing_, {}, "Missing samples", &StatusBar::onMissing);
+    add(locate_, "Locate" + dots, "Locate the missing instrument", &StatusBar::onLocate);
     add(tryAgain_, "Try again", "Load failed, try again", &StatusBar::onTryAgain);
     add(zoom_, {}, "Zoom", &StatusBar::onZoom);
-    for (auto* button : {&load_, &instruments_, &groups_, &list_, &zoom_, &missing_, &tryAgain_})
+    for (auto* button : {&load_, &instruments_, &groups_, &list_, &zoom_, &missing_, &locate_, &tryAgain_})
         button->setColour(juce::TextButton::buttonColourId, juce::Colour(theme::quietButton));
-    for (auto* button : {&missing_, &tryAgain_})
+    for (auto* button : {&missing_, &locate_, &tryAgain_})
         button->setColour(juce::TextButton::textColourOffId, juce::Colour(theme::warning));
     activityText_.setFont(juce::Font(12.0f));
-    activityText_.setInterceptsMouseClicks(false, false);
     addAndMakeVisible(activityText_);
     addAndMakeVisible(light_);
     setTitle("Status");
@@ -53,11 +54,13 @@ void StatusBar::show(const State& state) {
     state_ = state;
     activityText_.setText(activity(state), juce::dontSendNotification);
     activityText_.setColour(juce::Label::textColourId,
-                            juce::Colour(state.hasFailed ? theme::warning : theme::quietText));
+                            juce::Colour(state.hasFailed || state.problem.isNotEmpty() ? theme::warning : theme::quietText));
+    activityText_.setTooltip(state.problem); // the bar is narrow
     light_.setLevel(state.voices > 0 ? 1.0f : 0.0f);
     missing_.setButtonText(state.missing);
     missing_.setVisible(state.missing.isNotEmpty());
-    tryAgain_.setVisible(state.hasFailed);
+    locate_.setVisible(state.hasFailed && state.canLocate);
+    tryAgain_.setVisible(state.hasFailed && !state.canLocate);
     zoom_.setButtonText(juce::String(state.zoomPercent) + " %");
     resized();
 }
@@ -80,6 +83,7 @@ void StatusBar::resized() {
     fromLeft(list_, 38);
     zoom_.setBounds(area.removeFromRight(50));
     if (tryAgain_.isVisible()) tryAgain_.setBounds(area.removeFromRight(70).withTrimmedRight(4));
+    if (locate_.isVisible()) locate_.setBounds(area.removeFromRight(70).withTrimmedRight(4));
     if (missing_.isVisible()) missing_.setBounds(area.removeFromRight(132).withTrimmedRight(4));
     light_.setBounds(area.removeFromLeft(14).withSizeKeepingCentre(9, 9));
     activityText_.setBounds(area);

@@ -18,6 +18,8 @@ class StatusBar final : public juce::Component {
         bool isStreaming = false;
         juce::String missing; // "3 samples missing", empty when none is
         bool hasFailed = false;
+        juce::String problem;    // of the last load, one sentence; empty when all is well
+        bool canLocate = false;  // the instrument file is not there
         int zoomPercent = 100;
 
         bool operator==(const State&) const = default;
@@ -28,7 +30,7 @@ class StatusBar final : public juce::Component {
 
     // Each gets the button that was pressed, for a menu to open at.
     using Action = std::function<void(juce::Component& source)>;
-    Action onLoad, onInstrumentMenu, onGroupMenu, onList, onMissing, onTryAgain, onZoom;
+    Action onLoad, onInstrumentMenu, onGroupMenu, onList, onMissing, onLocate, onTryAgain, onZoom;
 
     void paint(juce::Graphics&) override;
     void resized() override;
@@ -38,7 +40,7 @@ class StatusBar final : public juce::Component {
                           Action StatusBar::*action);
 
     State state_;
-    juce::TextButton load_, instruments_, groups_, list_, missing_, tryAgain_, zoom_;
+    juce::TextButton load_, instruments_, groups_, list_, missing_, locate_, tryAgain_, zoom_;
     juce::Label activityText_;
     CSpinner::ProgressPetal light_;
 };

@@ -282,6 +282,16 @@ TEST_F(InstrumentFiles, MissingSamplesAreAskedForUntilThreeSearchesFailed) {
     EXPECT_EQ(result.missing.size(), 6u);
 }
 
+TEST_F(InstrumentFiles, SampleNamesFromBeforeUnicodeAreToldAsUtf8) {
+    file.groups = {{"G", {}, {zone("Fl\xF6te.wav")}, {}}};
+    ASSERT_TRUE(load());
+    EXPECT_THAT(listener.searched, ElementsAre(folder / "Fl\xC3\xB6te.wav"));
+    EXPECT_THAT(result.missing, ElementsAre(folder / "Fl\xC3\xB6te.wav"));
+    folder.write("Fl\xC3\xB6te.wav", rampWave(3));
+    ASSERT_TRUE(load());
+    EXPECT_THAT(result.missing, IsEmpty());
+}
+
 TEST_F(InstrumentFiles, AnEmbeddedSampleOfUnknownWidthIsMissingAndTheFileStaysInStep) {
     file.storage = 1;
     file.groups = {{"Group",

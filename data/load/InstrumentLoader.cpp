@@ -13,6 +13,8 @@
 #include "engine/ZInstrument.h"
 #include "platform/File.h"
 #include "platform/Paths.h"
+#include "platform/ThreadRole.h"
+#include "platform/Utf8.h"
 
 #include <algorithm>
 #include <new>
@@ -151,8 +153,10 @@ bool Load::isAllowed() {
            fail(Kind::NotLicensed);
 }
 
+// UTF-8 from here on, for opening, searching and telling. First, since in some code pages a backslash is the
+// second byte of a letter.
 std::string Load::samplePath(const ZoneEntry& zone) const {
-    return fromBackslashForm(resolveSamplePath(std::string(zone.sample.text()), instrumentPath_));
+    return fromBackslashForm(resolveSamplePath(toUtf8(zone.sample.text()), instrumentPath_));
 }
 
 // Preloads are small pieces of many files, or of one large file.
@@ -248,6 +252,7 @@ bool Load::report() const {
 } // namespace
 
 LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options) {
+    thread::mustBe(thread::reader | thread::loading);
     LoadResult result;
     try {
         Load load(contents, path, options, result);
@@ -263,6 +268,7 @@ LoadResult readInstrument(InstrumentContents& contents, const std::string& path,
 }
 
 bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result) {
+    thread::mustBe(thread::loading);
     const std::string path = contents.texts.path;
     try {
         instrument.exchange(contents);

@@ -8,6 +8,7 @@
 #include "data/stream/ChunkFill.h"
 #include "data/stream/StreamPoints.h"
 #include "platform/Machine.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <new>
@@ -92,6 +93,7 @@ const std::string& ZoneBuilder::identityOf(const std::string& wavePath) {
 }
 
 std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
+    thread::mustBe(thread::reader | thread::loading);
     auto sound = std::make_unique<ZWaveFile>();
     sound->open(path);
     auto zone = build(std::move(sound), identityOf(path));
@@ -101,6 +103,7 @@ std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
 
 std::unique_ptr<ZZone> ZoneBuilder::fromBlock(const std::string& sampleName, std::shared_ptr<const File> file,
                                               std::uint64_t position) {
+    thread::mustBe(thread::reader | thread::loading);
     auto sound = std::make_unique<ZEmbeddedSoundFile>();
     sound->open(sampleName, std::move(file), position);
     // No path holds a zero byte, so that a block is never taken for a file.
@@ -154,6 +157,7 @@ bool ZoneBuilder::askToGoOn() {
 }
 
 void ZoneBuilder::recordChanged(ZZone& zone) {
+    thread::mustBe(thread::reader | thread::loading);
     if (!zone.streaming) return;
     const auto wave = identities_.find(zone.sound->path());
     auto& known = shared_[preloadKey(wave == identities_.end() ? zone.sound->path() : wave->second, zone)];

@@ -17,7 +17,7 @@ namespace zarno {
 /// flag asks for: whole samples, or of a streaming instrument the zones' preloads. Zones that need the same
 /// frames share their memory for as long as the builder lives. Throws std::bad_alloc when a sample does not
 /// fit into memory, and LimitExceeded when all of them together take more than `mostBytes`, or the preloads
-/// more than limits::preloadBytes beyond their allowance. Reader thread.
+/// more than limits::preloadBytes beyond their allowance. [reader, loading]
 class ZoneBuilder {
   public:
     /// `goOn` is asked between the chunks of large samples; after a false the zone in hand is of no use, and

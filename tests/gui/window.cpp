@@ -2,9 +2,8 @@
 #include "engine/EngineEvent.h"
 #include "gui/CLookAndFeel.h"
 #include "gui/CPlayerKeyboard.h"
-#include "gui/CZSPGUI.h"
 #include "gui/WindowMenus.h"
-#include "tests/gui/support/FakeLink.h"
+#include "tests/gui/support/WindowFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,50 +15,6 @@ namespace {
 
 using testing::ElementsAre;
 using Selected = std::pair<int, juce::String>;
-
-class Window : public testing::Test {
-  protected:
-    Window() {
-        link.titles = {"Organ", "Piano", "Harp"};
-        link.index = 1;
-    }
-    // An instrument of manual groups, as if just loaded.
-    void load(const std::optional<std::string>& layout,
-              std::initializer_list<const char*> groups = {"one", "two", "three"}) {
-        auto& engine = link.instrument;
-        engine.clear();
-        engine.texts().name = "Bright Piano";
-        engine.texts().path = "/piano.zse";
-        engine.texts().layout = layout;
-        for (const char* name : groups)
-            engine.createGroup(name).record.trigger = static_cast<std::int32_t>(GroupTrigger::Manual);
-        if (!engine.groups().empty()) engine.activateGroup(engine.groups()[0].get());
-        ++link.loads;
-        ++link.groups;
-    }
-    void open() {
-        window = std::make_unique<CZSPGUI>(processor, link);
-        window->setVisible(true);
-    }
-    void renderOneBlock() {
-        const auto active = link.instrument.activeGroups();
-        float left[64], right[64];
-        float* outputs[] = {left, right};
-        link.instrument.renderBlock(outputs, 2, 64);
-        if (active != link.instrument.activeGroups()) ++link.groups;
-    }
-    void tick() { window->refresh(); }
-    const PanelControls& controls() { return window->panel().controls(); }
-    void click(int index) { window->buttonClicked(controls().buttons[static_cast<std::size_t>(index)]); }
-    GroupRecord& group(int index) {
-        return link.instrument.groups()[static_cast<std::size_t>(index)]->record;
-    }
-
-    juce::ScopedJuceInitialiser_GUI framework;
-    SilentProcessor processor;
-    FakeLink link;
-    std::unique_ptr<CZSPGUI> window;
-};
 
 TEST_F(Window, SaysWhatIsLoaded) {
     open();
@@ -220,6 +175,16 @@ TEST_F(Window, TypingFindsOneOfFiveHundredInstruments) {
     EXPECT_TRUE(isInView());
     EXPECT_TRUE(list.keyPressed(juce::KeyPress(juce::KeyPress::returnKey)));
     EXPECT_THAT(link.selected, ElementsAre(Selected(row, "")));
+    EXPECT_FALSE(window->instrumentList().isVisible());
+
+    window->openInstrumentList();
+    for (const auto place : {list.getVerticalScrollBar().getBounds().getCentre(),
+                             list.getRowPosition(link.index, true).getCentre()}) {
+        EXPECT_TRUE(window->instrumentList().isVisible());
+        window->instrumentList().mouseDoubleClick(
+            {juce::Desktop::getInstance().getMainMouseSource(), place.toFloat(), {}, 1.0f, 0.0f, 0.0f, 0.0f,
+             0.0f, &list, &list, juce::Time(), place.toFloat(), juce::Time(), 2, false});
+    }
     EXPECT_FALSE(window->instrumentList().isVisible());
 }
 

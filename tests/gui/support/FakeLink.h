@@ -47,6 +47,8 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     int index = -1;
     bool loading = false, succeeded = true;
     double progress = -1.0;
+    LoadReport report;
+    juce::File located;
     Missing missing;
     std::map<juce::String, juce::String> settings;
     std::vector<std::pair<int, juce::String>> selected; // what selectInstrument was asked for
@@ -60,15 +62,16 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     juce::ListBoxModel& instrumentList() override { return *this; }
     juce::StringArray instrumentTitles() const override { return titles; }
     int currentIndex() const override { return index; }
-    juce::String currentPath() const override { return {}; }
     void selectInstrument(int row, const juce::String& path) override { selected.emplace_back(row, path); }
     void tryAgain() override { ++tries; }
     bool isLoading() const override { return loading; }
     bool lastLoadSucceeded() const override { return succeeded; }
     double loadProgress() const override { return progress; }
+    LoadReport lastLoad() const override { return report; }
+    void locateInstrument(const juce::File& file) override { located = file; }
     Missing missingSamples() const override { return missing; }
     void locateMissingSamples(const juce::File&) override {}
-    bool takeTurnToTell() override { return std::exchange(toldLoad, loads) != loads; }
+    bool shouldReportPanelError() override { return std::exchange(toldLoad, loads) != loads; }
     juce::String setting(const juce::String& key, const juce::String& fallback) const override {
         const auto found = settings.find(key);
         return found != settings.end() ? found->second : fallback;
