@@ -6,7 +6,7 @@
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
 #include "shell/HostChunk.h"
 #include "shell/UserFolders.h"
@@ -24,7 +24,7 @@ juce::String fromUtf8(const std::string& text) {
 Library scanLibrary() {
     const auto library = std::make_shared<Library>();
     const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
-    const bool answers = doWithPatience(
+    const bool answers = runWithTimeout(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
     return answers ? std::move(*library) : Library::unanswered();
 }
@@ -32,7 +32,7 @@ Library scanLibrary() {
 // A file system that does not answer counts as one that does not have the file.
 bool isThere(const std::string& path) {
     const auto found = std::make_shared<bool>(false);
-    return doWithPatience(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
+    return runWithTimeout(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
            *found;
 }
 

@@ -56,6 +56,8 @@ class EditorLink {
     /// The library, in program order. Its rows are these titles; a double click selects.
     virtual juce::ListBoxModel& instrumentList() = 0;
     virtual juce::StringArray instrumentTitles() const = 0;
+    /// What the scan of the library left out and why: sentences, empty when it reached everything.
+    virtual juce::String libraryProblem() const = 0;
     /// Of the instrument that is loaded, being loaded, or was chosen during a load: -1 when there is none or
     /// its file is not in the library.
     virtual int currentIndex() const = 0;

@@ -81,6 +81,9 @@ juce::StringArray EditorPort::instrumentTitles() const {
     return titles;
 }
 
+juce::String EditorPort::libraryProblem() const {
+    return fromEngine(processor_.library().leftOut);
+}
 int EditorPort::currentIndex() const {
     return processor_.loads().current().index;
 }

@@ -36,6 +36,7 @@ class EditorPort final : public EditorLink {
     std::uint32_t loadGeneration() const override;
     juce::ListBoxModel& instrumentList() override;
     juce::StringArray instrumentTitles() const override;
+    juce::String libraryProblem() const override;
     int currentIndex() const override;
     void selectInstrument(int index, const juce::String& path) override;
     void tryAgain() override;

@@ -44,6 +44,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::uint32_t loads = 0;
     std::optional<std::uint32_t> toldLoad;
     juce::StringArray titles;
+    juce::String libraryText;
     int index = -1;
     bool loading = false, succeeded = true;
     double progress = -1.0;
@@ -61,6 +62,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::uint32_t loadGeneration() const override { return loads; }
     juce::ListBoxModel& instrumentList() override { return *this; }
     juce::StringArray instrumentTitles() const override { return titles; }
+    juce::String libraryProblem() const override { return libraryText; }
     int currentIndex() const override { return index; }
     void selectInstrument(int row, const juce::String& path) override { selected.emplace_back(row, path); }
     void tryAgain() override { ++tries; }
