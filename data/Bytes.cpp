@@ -25,6 +25,7 @@ std::size_t Bytes::fillWindow() {
         if (!file_ || left() == 0) return 0;
         windowStart_ = position_;
         windowBytes_ = file_->readAt(position_, buffer_.data(), buffer_.size());
+        readFailed_ = readFailed_ || windowBytes_ == 0;
     }
     return windowBytes_ - static_cast<std::size_t>(position_ - windowStart_);
 }
@@ -37,6 +38,7 @@ std::size_t Bytes::readSome(void* destination, std::size_t count) {
         std::size_t got = 0;
         if (file_ && wanted >= buffer_.size()) { // large: straight to where it belongs
             got = file_->readAt(position_, out + done, wanted);
+            readFailed_ = readFailed_ || (got == 0 && left() > 0);
         } else {
             got = std::min(fillWindow(), wanted);
             if (got > 0) std::memcpy(out + done, window_ + (position_ - windowStart_), got);

@@ -29,6 +29,10 @@ class Bytes {
     std::uint64_t size() const { return size_; }
     std::uint64_t left() const { return position_ < size_ ? size_ - position_ : 0; }
 
+    /// True when the system has given fewer bytes than the file's size promises: a fault of the disk, or the
+    /// file became shorter meanwhile.
+    bool readFailed() const { return readFailed_; }
+
     /// Beyond the end is allowed: nothing is left there.
     void seek(std::uint64_t position) { position_ = position; }
 
@@ -64,6 +68,7 @@ class Bytes {
     std::size_t windowBytes_ = 0;
     std::uint64_t size_ = 0;
     std::uint64_t position_ = 0;
+    bool readFailed_ = false;
 };
 
 } // namespace zarno

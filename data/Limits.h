@@ -46,6 +46,8 @@ inline constexpr std::size_t imagePixels = 67108864; // of a picture, and of all
 // Projects, libraries, modules
 inline constexpr std::size_t chunkPathBytes = 1024; // of the path in a project, with its zero byte
 inline constexpr int libraryDepth = 64;             // folders inside one another
+inline constexpr std::size_t libraryEntries = 1000000; // files and folders of a scan, instruments or not
+inline constexpr double libraryMs = 30000.0;           // of a scan
 inline constexpr double searchMs = 2000.0; // looking for missing samples in one load, with nobody watching
 inline constexpr double unaskedPlaceMs = 2000.0;    // of it in one place that nobody chose
 inline constexpr double watchedPlaceMs = 10000.0;   // the same while the user watches

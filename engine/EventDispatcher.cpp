@@ -13,11 +13,11 @@ EventDispatcher::EventDispatcher(Targets targets, const ActiveGroups::Groups& gr
     lastVelocity_.fill(127);
 }
 
-void EventDispatcher::dispatch(const EngineEvent& event, double nowMs) {
+void EventDispatcher::dispatch(const EngineEvent& event, const NoteTime& now) {
     to_.context.takeSettings();
     activeGroups_.update(event);
     for (ZGroup* group : activeGroups_.list())
-        dealToGroup(*group, event, nowMs);
+        dealToGroup(*group, event, now);
 
     switch (event.type()) {
     case midi::noteOff:
@@ -44,49 +44,50 @@ void EventDispatcher::dispatch(const EngineEvent& event, double nowMs) {
     }
 }
 
-void EventDispatcher::dealToGroup(ZGroup& group, const EngineEvent& event, double nowMs) {
+void EventDispatcher::dealToGroup(ZGroup& group, const EngineEvent& event, const NoteTime& now) {
     const int key = event.data1;
     if (event.isNoteOn()) {
-        if (!group.isReleaseTrigger()) startNoteInGroup(group, key, event.data2, nowMs);
+        if (!group.isReleaseTrigger()) startNoteInGroup(group, key, event.data2, now);
         // Stored once for each active group, so not at all when none is active, on purpose.
         lastVelocity_[event.data1] = event.data2;
-        noteOnTime_[event.data1] = nowMs;
+        noteOnTime_[event.data1] = now;
     } else if (event.isNoteOff() && group.isReleaseTrigger() && !sustainPedal_) {
-        startNoteInGroup(group, key, releaseVelocity(group, key, nowMs), nowMs);
+        startNoteInGroup(group, key, releaseVelocity(group, key, now), now);
     }
 }
 
 // The velocity the key was struck with, falling to 0 over the group's decay time since then.
-int EventDispatcher::releaseVelocity(const ZGroup& group, int key, double nowMs) const {
+int EventDispatcher::releaseVelocity(const ZGroup& group, int key, const NoteTime& now) const {
     const auto at = static_cast<std::size_t>(key);
     const int velocity = lastVelocity_[at] == 0 ? 127 : lastVelocity_[at];
     const double decay = finiteOr(group.record.releaseDecayTime, 0.0f);
     if (!(decay > 0.0)) return velocity;
-    const double elapsed = nowMs - noteOnTime_[at];
+    const double elapsed = now.msSince(noteOnTime_[at]);
     if (!(decay > elapsed)) return 0;
     return std::min(static_cast<int>((1.0 - elapsed / decay) * velocity), 127);
 }
 
-void EventDispatcher::startNoteInGroup(ZGroup& group, int key, int velocity, double nowMs) {
+void EventDispatcher::startNoteInGroup(ZGroup& group, int key, int velocity, const NoteTime& now) {
     const GroupRecord& record = group.record;
     const bool byChannel = record.trigger == static_cast<std::int32_t>(GroupTrigger::Channel);
     const int channelTag = byChannel ? record.channel + 1 : 0;
 
     if (record.selectionMode == static_cast<std::int32_t>(SelectionMode::Stack))
         group.forEachMatch(key, velocity,
-                           [&](ZZone& zone) { startZone(zone, key, velocity, channelTag, nowMs); });
+                           [&](ZZone& zone) { startZone(zone, key, velocity, channelTag, now); });
     else if (ZZone* zone = group.selectZone(key, velocity, to_.random))
-        startZone(*zone, key, velocity, channelTag, nowMs);
+        startZone(*zone, key, velocity, channelTag, now);
 
     if (to_.settings.lfoDepthSource == static_cast<std::int32_t>(LfoDepthSource::Velocity))
         setDepthFrom(LfoDepthSource::Velocity, velocityCurveValue(to_.settings.velocityCurve, velocity));
 }
 
-void EventDispatcher::startZone(ZZone& zone, int key, int velocity, int channelTag, double nowMs) {
+void EventDispatcher::startZone(ZZone& zone, int key, int velocity, int channelTag, const NoteTime& now) {
     to_.pool.chokeExclusive(zone.record.exclusiveId);
     ZVoice* voice = to_.pool.allocate(to_.settings.playMode);
     if (voice == nullptr) return;
-    voice->setStartTime(nowMs);
+    // Both clocks only grow, so the order of rendered times is that of ages by the larger of both.
+    voice->setStartTime(now.renderedMs);
     voice->start(&zone, key, velocity, channelTag);
     to_.context.lastKey = key;
 }
@@ -94,6 +95,12 @@ void EventDispatcher::startZone(ZZone& zone, int key, int velocity, int channelT
 void EventDispatcher::releaseKey(int key, int channel) {
     while (ZVoice* voice = to_.pool.findForNoteOff(key, channel + 1, sustainPedal_))
         voice->release();
+}
+
+void EventDispatcher::releaseAll() {
+    controllers_[64].store(0, std::memory_order_relaxed);
+    sustainPedal_ = false;
+    to_.pool.releaseAll();
 }
 
 void EventDispatcher::setDepthFrom(LfoDepthSource source, float depth) {

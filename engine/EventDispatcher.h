@@ -4,6 +4,7 @@
 #include "engine/ActiveGroups.h"
 #include "engine/EngineEvent.h"
 #include "engine/Modulation.h"
+#include "engine/NoteTime.h"
 #include "engine/VoicePool.h"
 #include "engine/ZRandom.h"
 
@@ -32,8 +33,8 @@ class EventDispatcher {
     std::function<void()> applySettings;
     std::function<void(int channel)> resetControllers;
 
-    // nowMs: the time of the event's own sample.
-    void dispatch(const EngineEvent& event, double nowMs);
+    // now: the time of the event's own sample.
+    void dispatch(const EngineEvent& event, const NoteTime& now);
 
     ActiveGroups& activeGroups() { return activeGroups_; }
     const ActiveGroups& activeGroups() const { return activeGroups_; }
@@ -42,12 +43,14 @@ class EventDispatcher {
         return controllers_[static_cast<std::size_t>(number & 0x7F)].load(std::memory_order_relaxed);
     }
     void liftPedal() { sustainPedal_ = false; }
+    // What pedal up and "all notes off" do, without being events: triggers are not evaluated.
+    void releaseAll();
 
   private:
-    void dealToGroup(ZGroup& group, const EngineEvent& event, double nowMs);
-    int releaseVelocity(const ZGroup& group, int key, double nowMs) const;
-    void startNoteInGroup(ZGroup& group, int key, int velocity, double nowMs);
-    void startZone(ZZone& zone, int key, int velocity, int channelTag, double nowMs);
+    void dealToGroup(ZGroup& group, const EngineEvent& event, const NoteTime& now);
+    int releaseVelocity(const ZGroup& group, int key, const NoteTime& now) const;
+    void startNoteInGroup(ZGroup& group, int key, int velocity, const NoteTime& now);
+    void startZone(ZZone& zone, int key, int velocity, int channelTag, const NoteTime& now);
     void releaseKey(int key, int channel);
     void handleController(int number, int value, int channel);
     void setDepthFrom(LfoDepthSource source, float depth);
@@ -55,7 +58,7 @@ class EventDispatcher {
     Targets to_;
     ActiveGroups::ControllerValues controllers_{};
     std::array<std::uint8_t, 128> lastVelocity_;
-    std::array<double, 128> noteOnTime_{}; // ms
+    std::array<NoteTime, 128> noteOnTime_{};
     int program_ = 0;
     bool sustainPedal_ = false;
     ActiveGroups activeGroups_;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/EventQueue.h"
 
+#include "platform/ThreadRole.h"
+
 namespace zarno {
 
 EventQueue::EventQueue()
@@ -45,20 +47,24 @@ bool EventQueue::popFromRing(EngineEvent& event) {
 }
 
 void EventQueue::moveTo(std::vector<EngineEvent>& events) {
+    thread::mustBe(thread::audio);
+    takeRing(events);
+    // As long as the overflow stands, callers append to it: nothing gets ahead of it in the ring.
+    if (overflowing_.load(std::memory_order_acquire) && tryLock()) takeOverflow(events);
+}
+
+void EventQueue::takeRing(std::vector<EngineEvent>& events) {
     EngineEvent event;
     while (popFromRing(event))
         events.push_back(event);
-    if (!overflowing_.load(std::memory_order_acquire)) return;
+}
 
-    lock();
-    while (popFromRing(event))
-        events.push_back(event);
-    // A caller may still be filling a place that it took in the ring before the overflow began. What is
-    // behind that place is older than what overflowed, which waits for the next block then.
-    if (tail_ != head_.load(std::memory_order_relaxed)) {
-        unlock();
-        return;
-    }
+// Locked; unlocks.
+void EventQueue::takeOverflow(std::vector<EngineEvent>& events) {
+    takeRing(events);
+    // A caller may still be filling a place that it took in the ring before the overflow began. What follows
+    // that place is older than what overflowed, which waits for the next block then.
+    if (tail_ != head_.load(std::memory_order_relaxed)) return unlock();
     scratch_.swap(overflow_);
     overflowing_.store(false, std::memory_order_release);
     unlock();
@@ -67,12 +73,16 @@ void EventQueue::moveTo(std::vector<EngineEvent>& events) {
 }
 
 void EventQueue::clear() {
+    thread::mustBe(thread::audio | thread::loading);
     std::vector<EngineEvent> forgotten;
-    moveTo(forgotten);
+    takeRing(forgotten);
+    if (!overflowing_.load(std::memory_order_acquire)) return;
+    lock();
+    takeOverflow(forgotten);
 }
 
 void EventQueue::lock() {
-    while (locked_.test_and_set(std::memory_order_acquire)) {
+    while (!tryLock()) {
     }
 }
 

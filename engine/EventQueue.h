@@ -21,13 +21,14 @@ class EventQueue {
 
     EventQueue();
 
-    // Any thread.
+    // [any]
     void push(const EngineEvent& event);
 
-    // The rendering thread: appends all that waits to events.
+    // [audio] Appends all that waits to events. Never waits: while a caller appends to the
+    // overflow list, what overflowed stays for the next time.
     void moveTo(std::vector<EngineEvent>& events);
 
-    // The rendering thread, or any when nothing renders: forgets all that waits.
+    // [audio, loading] Forgets all that waits. Waits for callers that append.
     void clear();
 
   private:
@@ -38,6 +39,9 @@ class EventQueue {
 
     bool pushToRing(const EngineEvent& event);
     bool popFromRing(EngineEvent& event);
+    void takeRing(std::vector<EngineEvent>& events);
+    void takeOverflow(std::vector<EngineEvent>& events);
+    bool tryLock() { return !locked_.test_and_set(std::memory_order_acquire); }
     void lock();
     void unlock() { locked_.clear(std::memory_order_release); }
 

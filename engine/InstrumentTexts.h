@@ -9,7 +9,7 @@
 namespace zarno {
 
 // What an instrument file says besides its sound. Texts are UTF-8 when valid, else in the system's code page,
-// as stored. Written by the loading thread only.
+// as stored. The reader fills one that no other thread knows; an instrument's own changes on the loading thread.
 struct InstrumentTexts {
     std::string name = "Untitled";        // shown to the user
     std::string title;                    // a library lists the file when neither name nor title is empty

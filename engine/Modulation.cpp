@@ -68,8 +68,9 @@ void Modulation::fillLevels(ModulationSegment& segment, int frames) {
         segment.panLeft[i] = pan_.left;
         segment.panRight[i] = pan_.right;
     }
-    // The LFO writes the pan setting itself, on purpose: the sound stays where the LFO left it.
-    if (destination == LfoDestination::Pan) settings_.pan = segment.lfo[frames - 1] * depth;
+    // The LFO writes the pan setting itself: the sound stays where the LFO left it. Adding 0 makes -0 a 0, so
+    // that at depth 0 the setting, and with it a saved project, stays as it is.
+    if (destination == LfoDestination::Pan) settings_.pan = segment.lfo[frames - 1] * depth + 0.0f;
 }
 
 void Modulation::showSample(const ModulationSegment& segment, int index) {

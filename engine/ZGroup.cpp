@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/ZGroup.h"
 
+#include "platform/ThreadRole.h"
+
 #include <algorithm>
 
 namespace zarno {
 
 ZZone& ZGroup::addZone(std::unique_ptr<ZZone> zone) {
+    thread::mustBe(thread::reader | thread::loading);
     zone->group = this;
     const auto index = static_cast<std::uint32_t>(zones_.size());
     const int low = std::max(zone->record.lowKey, 0), high = std::min(zone->record.highKey, 127);
@@ -18,6 +21,7 @@ ZZone& ZGroup::addZone(std::unique_ptr<ZZone> zone) {
 }
 
 bool ZGroup::mayMatch(int key, int velocity) const {
+    thread::mustBe(thread::audio);
     return keys_[static_cast<std::size_t>(key)] && record.lowKey <= key && key <= record.highKey &&
            record.lowVelocity <= velocity && velocity <= record.highVelocity;
 }
@@ -37,6 +41,7 @@ int ZGroup::firstMatchFrom(int start, int key, int velocity, int refused) const 
 }
 
 ZZone* ZGroup::selectZone(int key, int velocity, ZRandom& random) {
+    thread::mustBe(thread::audio);
     const int count = static_cast<int>(zones_.size());
     if (count == 0) return nullptr;
     const auto mode = static_cast<SelectionMode>(record.selectionMode.load());

@@ -14,8 +14,8 @@
 
 namespace zarno {
 
-// An ordered list of zones with a rule for choosing among those that match a note. Zones are added by the
-// loading thread; the rest is the audio thread's, but for record fields, which the window may change too.
+// An ordered list of zones with a rule for choosing among those that match a note. The window may change record
+// fields at any time.
 class ZGroup {
   public:
     explicit ZGroup(std::string groupName)
@@ -31,21 +31,21 @@ class ZGroup {
     std::atomic<bool> active{false}; // written by ActiveGroups only; any thread may look
     std::atomic<bool> wanted{false}; // see ZInstrument::requestActiveGroups
 
-    // Takes the zone over and files it under its keys: its record must be complete by now.
+    // [reader, loading] Takes the zone over and files it under its keys: its record must be complete by now.
     ZZone& addZone(std::unique_ptr<ZZone> zone);
     const std::vector<std::unique_ptr<ZZone>>& zones() const { return zones_; }
 
-    // Any thread: values derived from the record are stale from now on. Call it after the record changed.
+    // [any] Values derived from the record are stale from now on. Call it after the record changed.
     void touch() { generation_.fetch_add(1, std::memory_order_release); }
     std::uint32_t generation() const { return generation_.load(std::memory_order_acquire); }
 
     bool isReleaseTrigger() const { return record.releaseTrigger != 0; }
 
-    // Whether the group's own key and velocity ranges take the note and any zone lies at the key: what an
+    // [audio] Whether the group's own key and velocity ranges take the note and any zone lies at the key: what an
     // event asks of every active group, so it reads one place in memory.
     bool mayMatch(int key, int velocity) const;
 
-    // "Stack": calls play(zone) for every matching zone in zone order.
+    // [audio] "Stack": calls play(zone) for every matching zone in zone order.
     template <typename Play>
     void forEachMatch(int key, int velocity, Play&& play) {
         if (!mayMatch(key, velocity)) return;
@@ -53,7 +53,7 @@ class ZGroup {
             if (zones_[index]->matches(key, velocity)) play(*zones_[index]);
     }
 
-    // The other modes: the one zone that is due, or null. The search goes round from the zone behind the
+    // [audio] The other modes: the one zone that is due, or null. The search goes round from the zone behind the
     // one played last (the random modes: from a random zone); Random Robin takes the zone played last only
     // when no other matches. Reads only the zones filed under the key, in the order of the full round.
     ZZone* selectZone(int key, int velocity, ZRandom& random);

@@ -33,6 +33,7 @@ bool isKeptByReset(int controller) {
 
 ZInstrument::ZInstrument(const Clock& clock)
     : clock_(clock)
+    , streams_(std::make_shared<StreamServer>(diskThread_.event(), clock))
     , random_(seedFromTime())
     , dispatcher_({settings_, context_, modulation_, pool_, random_}, groups_) {
     dispatcher_.applySettings = [this] { applySettings(); };
@@ -87,33 +88,44 @@ void ZInstrument::applySampleRate() {
 void ZInstrument::takeRequests() {
     applySampleRate();
     if (stopRequested_.exchange(false, std::memory_order_acquire)) pool_.stopAll();
+    if (releaseRequested_.exchange(false, std::memory_order_acquire)) dispatcher_.releaseAll();
     if (applyRequested_.exchange(false, std::memory_order_acquire)) applySettings();
-    if (groupsRequested_.exchange(false, std::memory_order_acquire)) activateRequestedGroups();
+    // Published before the request is taken back, so that currentGroupIndex never tells the former group.
+    if (groupsRequested_.load(std::memory_order_acquire))
+        currentGroup_.store(requestedGroup_.load(std::memory_order_relaxed), std::memory_order_release);
+    if (groupsRequested_.exchange(false, std::memory_order_acq_rel)) activateRequestedGroups();
+}
+
+int ZInstrument::currentGroupIndex() const {
+    const bool waits = groupsRequested_.load(std::memory_order_acquire);
+    return (waits ? requestedGroup_ : currentGroup_).load(std::memory_order_relaxed);
 }
 
 void ZInstrument::requestActiveGroups(const std::vector<int>& indices) {
     thread::mustNotBe(thread::audio | thread::disk);
-    for (std::size_t i = 0; i < groups_.size(); ++i) {
-        const bool wanted = std::find(indices.begin(), indices.end(), static_cast<int>(i)) != indices.end();
-        groups_[i]->wanted.store(wanted, std::memory_order_relaxed);
+    int first = -1;
+    for (int i = 0; i < static_cast<int>(groups_.size()); ++i) {
+        const bool wanted = std::find(indices.begin(), indices.end(), i) != indices.end();
+        groups_[static_cast<std::size_t>(i)]->wanted.store(wanted, std::memory_order_relaxed);
+        if (wanted && first < 0) first = i;
     }
+    requestedGroup_.store(first, std::memory_order_relaxed);
     groupsRequested_.store(true, std::memory_order_release);
 }
 
 // A request made meanwhile is seen in part, and whole at the next block.
 void ZInstrument::activateRequestedGroups() {
-    deactivateAllGroups();
+    dispatcher_.activeGroups().deactivateAll();
     for (const auto& group : groups_)
         if (group->wanted.load(std::memory_order_relaxed)) activateGroup(group.get());
+    publishCurrentGroup();
 }
 
-void ZInstrument::beginBlock() {
+void ZInstrument::beginBlock(int numSamples) {
     blockStart_.store(clock_.nowMs(), std::memory_order_relaxed);
-    // Going offline, note times go on from where the clock stands.
-    const bool offline = isOffline();
-    if (offline && !wasOffline_) offlineOrigin_ = clock_.nowMs() - renderedMs();
-    wasOffline_ = offline;
-    streams_->beginBlock(offline || alwaysAwaitBuffers_, renderedMs());
+    blockIsOffline_ = isOffline();
+    streams_->beginBlock({blockIsOffline_ || alwaysAwaitBuffers_, renderedMs(),
+                          numSamples * 1000.0 / context_.sampleRate});
     queue_.moveTo(activeEvents_);
     nextEvent_ = 0;
 }
@@ -124,9 +136,10 @@ double ZInstrument::renderedMs(int sample) const {
            static_cast<double>(samplesAtThisRate_ + sample) * 1000.0 / context_.sampleRate;
 }
 
-double ZInstrument::eventTime(int sample) const {
-    if (!wasOffline_) return clock_.nowMs();
-    return offlineOrigin_ + renderedMs(sample);
+NoteTime ZInstrument::eventTime(int sample) const {
+    const double lagMs = blockIsOffline_ ? std::numeric_limits<double>::quiet_NaN()
+                                         : blockStart_.load(std::memory_order_relaxed) - renderedMs();
+    return {renderedMs(sample), lagMs};
 }
 
 void ZInstrument::renderBlock(float** outputs, int numOutputs, int numSamples) {
@@ -138,7 +151,7 @@ void ZInstrument::renderBlock(float** outputs, int numOutputs, int numSamples) {
 
     const DenormalGuard noDenormals;
     takeRequests();
-    beginBlock();
+    beginBlock(numSamples);
     for (int sample = 0; sample < numSamples;) {
         dispatchDue(sample, sample == numSamples - 1);
         const int frames = segmentEnd(sample, numSamples) - sample;
@@ -239,7 +252,6 @@ ZGroup& ZInstrument::createGroup(std::string name) {
 
 void ZInstrument::clear() {
     thread::mustBe(thread::loading);
-    groupsRequested_.store(false, std::memory_order_relaxed);
     const StreamServer::Pause noReads(*streams_);
     InstrumentContents former;
     takeOut(former);
@@ -249,6 +261,7 @@ void ZInstrument::clear() {
 void ZInstrument::takeOut(InstrumentContents& former) {
     pool_.stopAll();
     deactivateAllGroups();
+    groupsRequested_.store(false, std::memory_order_relaxed);
     queue_.clear();
     dispatcher_.liftPedal();
     former.groups = std::exchange(groups_, {});
@@ -268,6 +281,10 @@ void ZInstrument::exchange(InstrumentContents& contents) {
     rebuildPool();
     texts_ = std::move(former.texts);
     groups_ = std::move(former.groups);
+    copySettings(fileValues_.settings, settings_);
+    fileValues_.groups.clear();
+    for (const auto& group : groups_)
+        fileValues_.groups.push_back(group->record);
     dispatcher_.activeGroups().reserve();
 }
 

@@ -6,6 +6,7 @@
 #include "engine/EventDispatcher.h"
 #include "engine/EventQueue.h"
 #include "engine/InstrumentContents.h"
+#include "engine/NoteTime.h"
 #include "engine/VoiceRenderer.h"
 #include "engine/ZReverb.h"
 #include "engine/ZSEDelegate.h"
@@ -23,7 +24,7 @@ namespace zarno {
 //   [loading]  while the caller keeps the audio thread out (a load, construction, tests)
 class ZInstrument final {
   public:
-    // The clock gives note times while the host plays live; it must outlive the instrument.
+    // The clock gives note times and the host's lead over real time; it must outlive the instrument.
     explicit ZInstrument(const Clock& clock = systemClock());
     ~ZInstrument();
     ZInstrument(const ZInstrument&) = delete;
@@ -45,13 +46,18 @@ class ZInstrument final {
     void setSampleRate(float hertz);
     double sampleRate() const { return requestedRate_.load(std::memory_order_relaxed); }
 
-    // [any] Offline: note times follow the rendered samples instead of the clock, so that a bounce steals
-    // and decays like live playing.
+    // [any] What the host says about the coming blocks. Offline, note times follow the rendered samples alone
+    // and voices wait for the disk, so that a bounce is the same every time. A host that bounces without
+    // saying so gets the same: the larger of clock and rendered time counts, and voices wait for as long as
+    // the host is ahead of real time.
     void setOffline(bool offline) { offline_.store(offline, std::memory_order_relaxed); }
     bool isOffline() const { return offline_.load(std::memory_order_relaxed); }
 
     // [any] All voices stop at once, and nothing that waits begins; at the next render.
     void requestStop() { stopRequested_.store(true, std::memory_order_release); }
+    // [any] Every playing voice is released and the pedal goes up, at the next render. No event: triggers are
+    // not evaluated, so the active groups stay.
+    void requestRelease() { releaseRequested_.store(true, std::memory_order_release); }
     // [any] applySettings at the next render.
     void requestApplySettings() { applyRequested_.store(true, std::memory_order_release); }
     // [one thread, while no load runs] These groups (indices, in instrument order) become the active ones at
@@ -62,6 +68,8 @@ class ZInstrument final {
     void applySettings();
     // [loading; one more thread that keeps loads out] Sound settings and name back to their defaults.
     void resetSettings();
+    // [any, while no load runs] What the file gave that was loaded last.
+    const FileValues& fileValues() const { return fileValues_; }
     // [any] Posts a zero for every controller that a reset touches.
     void resetControllers(int channel);
 
@@ -74,8 +82,8 @@ class ZInstrument final {
     // [any] What the last event of each controller, and the last bend of any kind (-1..+1), said.
     int controllerValue(int number) const { return dispatcher_.controllerValue(number); }
     float pitchBend() const { return modulation_.bendAmount(); }
-    // [any] Index of the first active group, -1 when none is.
-    int currentGroupIndex() const { return currentGroup_.load(std::memory_order_relaxed); }
+    // [any] Index of the first active group, -1 when none is; as requested, while a request waits for a render.
+    int currentGroupIndex() const;
     // [audio, loading]
     const std::vector<ZGroup*>& activeGroups() const { return dispatcher_.activeGroups().list(); }
     void activateGroup(ZGroup* group) { dispatcher_.activeGroups().activate(group); }
@@ -148,22 +156,23 @@ class ZInstrument final {
     void takeRequests();
     void activateRequestedGroups();
     void applySampleRate();
-    void beginBlock();
+    void beginBlock(int numSamples);
     void dispatchDue(int sample, bool isLast);
     int segmentEnd(int sample, int numSamples) const;
     void renderSegment(int frames, float* left, float* right);
     double renderedMs(int sample = 0) const; // length of all blocks so far, and of sample more frames
-    double eventTime(int sample) const;
+    NoteTime eventTime(int sample) const;
     void publishCurrentGroup();
 
     const Clock& clock_;
     InstrumentSettings settings_;
     InstrumentTexts texts_;
+    FileValues fileValues_;
     std::vector<std::unique_ptr<ZGroup>> groups_;
     PlayContext context_{settings_};
     Modulation modulation_{settings_, context_};
     DiskThread diskThread_;
-    const std::shared_ptr<StreamServer> streams_ = std::make_shared<StreamServer>(diskThread_.event());
+    const std::shared_ptr<StreamServer> streams_;
     VoicePool pool_;
     ZRandom random_;
     EventDispatcher dispatcher_;
@@ -179,14 +188,13 @@ class ZInstrument final {
     std::atomic<double> blockStart_{std::numeric_limits<double>::quiet_NaN()};
     std::int64_t samplesAtThisRate_ = 0; // all blocks since the rate changed
     double msBeforeThisRate_ = 0.0;      // length of all blocks until then
-    double offlineOrigin_ = 0.0;         // note time of rendered sample 0 while offline
-    bool wasOffline_ = false;
+    bool blockIsOffline_ = false;
     bool alwaysAwaitBuffers_ = false;
 
     std::atomic<float> requestedRate_{44100.0f};
-    std::atomic<bool> offline_{false}, stopRequested_{false}, applyRequested_{false}, groupsRequested_{false},
-        loading_{false}, shuttingDown_{false};
-    std::atomic<int> currentGroup_{-1}, playingVoices_{0};
+    std::atomic<bool> offline_{false}, stopRequested_{false}, releaseRequested_{false}, applyRequested_{false},
+        groupsRequested_{false}, loading_{false}, shuttingDown_{false};
+    std::atomic<int> currentGroup_{-1}, requestedGroup_{-1}, playingVoices_{0};
 };
 
 } // namespace zarno

@@ -14,24 +14,24 @@ class ZSEDelegate {
 
     virtual ~ZSEDelegate() = default;
 
-    // [loading thread] Fraction done (0..1), group and sample being read. False abandons the load.
+    // [reader, loading] Fraction done (0..1), group and sample being read. False abandons the load.
     virtual bool loadProgress(float fraction, const char* groupName, const char* sampleName) = 0;
 
     virtual bool reserved1() { return true; }
 
-    // [any thread, the audio thread too: must not lock, allocate or wait] The set of active groups changed.
+    // [any, the audio thread too: must not lock, allocate or wait] The set of active groups changed.
     virtual void groupsChanged() = 0;
 
-    // [loading thread] A sample is missing: its resolved path. Fill reply (replyBytes, zero-terminated) with
+    // [reader, loading] A sample is missing: its resolved path. Fill reply (replyBytes, zero-terminated) with
     // the path of a replacement, or leave it an empty string.
     virtual void reportMessage(const char* text, char* reply) = 0;
 
-    // [any thread, the audio thread too] The engine's settings were applied.
+    // [any, the audio thread too] The engine's settings were applied.
     virtual void settingsChanged() = 0;
 
     virtual void reserved5() {}
 
-    // [loading thread] Fill reply (replyBytes, zero-terminated) with the licence text the user enters.
+    // [reader, loading] Fill reply (replyBytes, zero-terminated) with the licence text the user enters.
     virtual void requestLicenceText(char* reply) = 0;
 };
 

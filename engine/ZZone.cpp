@@ -3,10 +3,12 @@
 
 #include "engine/Interpolation.h"
 #include "engine/ZGroup.h"
+#include "platform/ThreadRole.h"
 
 namespace zarno {
 
 const ZoneGains& ZZone::gains(double sampleRate, std::uint32_t rateGeneration) {
+    thread::mustBe(thread::audio);
     const std::uint32_t groupGeneration = group ? group->generation() : 0;
     const std::uint64_t stamp = (std::uint64_t{rateGeneration} << 32) | groupGeneration;
     if (stamp != gainsStamp_) {

@@ -15,8 +15,8 @@ namespace zarno {
 class ZGroup;
 
 // One sample mapped to a key and velocity range: its record, its sound file, the frames kept in memory and
-// the values derived from record and group. Built by the loading thread; while the instrument plays only the
-// audio thread touches the derived values, and nobody changes the rest.
+// the values derived from record and group. Built by the thread that reads the instrument file; while the
+// instrument plays, the derived values are the audio thread's and the rest does not change.
 class ZZone {
   public:
     ZoneRecord record;
@@ -34,8 +34,8 @@ class ZZone {
     std::atomic<double> lastAccessMs{0.0}; // system clock, after the latest read of a chunk
     bool valid = false;                    // the sound file could be opened
 
-    // Attack, decay, gain and so on at this rate, computed anew when the group's values or the rate have
-    // changed. Audio thread.
+    // [audio] Attack, decay, gain and so on at this rate, computed anew when the group's values or the rate have
+    // changed.
     const ZoneGains& gains(double sampleRate, std::uint32_t rateGeneration);
 
     bool matches(int key, int velocity) const {

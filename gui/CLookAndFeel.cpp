@@ -48,18 +48,31 @@ CLookAndFeel::CLookAndFeel()
     chooseTypefaces(*this);
     setColour(juce::TextButton::buttonColourId, Colour(theme::raised));
     setColour(juce::TextButton::buttonOnColourId, Colour(theme::accent));
-    setColour(juce::TextButton::textColourOnId, Colour(theme::bar));
+    setColour(juce::TextButton::textColourOnId, Colour(theme::accentText));
+    setColour(juce::TextEditor::backgroundColourId, Colour(theme::field));
+    setColour(juce::TextEditor::textColourId, Colour(theme::text));
+    setColour(juce::TextEditor::outlineColourId, Colour(theme::outline));
+    setColour(juce::TextEditor::focusedOutlineColourId, Colour(theme::accent));
+    setColour(juce::TextEditor::highlightColourId, Colour(theme::accent));
+    setColour(juce::TextEditor::highlightedTextColourId, Colour(theme::accentText));
+    setColour(juce::CaretComponent::caretColourId, Colour(theme::accent));
+    setColour(juce::PopupMenu::textColourId, Colour(theme::text));
+    setColour(juce::TooltipWindow::textColourId, Colour(theme::text));
+    setColour(juce::TooltipWindow::outlineColourId, Colour(theme::outline));
+    setColour(juce::AlertWindow::backgroundColourId, Colour(theme::body));
+    setColour(juce::AlertWindow::textColourId, Colour(theme::text));
+    setColour(juce::AlertWindow::outlineColourId, Colour(theme::outline));
     setColour(juce::ScrollBar::thumbColourId, Colour(theme::outline));
     setColour(juce::ProgressBar::backgroundColourId, Colour(theme::bar));
     setColour(juce::ProgressBar::foregroundColourId, Colour(theme::accent));
     setColour(juce::Slider::rotarySliderOutlineColourId, Colour(0x66c9ccd3));
     setColour(juce::Slider::rotarySliderFillColourId, Colour(theme::accent));
     setColour(juce::Slider::thumbColourId, Colour(theme::accent));
-    setColour(juce::PopupMenu::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::PopupMenu::backgroundColourId, Colour(theme::menu));
     setColour(juce::PopupMenu::headerTextColourId, Colour(theme::quietText));
-    setColour(juce::BubbleComponent::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::BubbleComponent::backgroundColourId, Colour(theme::menu));
     setColour(juce::BubbleComponent::outlineColourId, Colour(theme::outline));
-    setColour(juce::TooltipWindow::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::TooltipWindow::backgroundColourId, Colour(theme::menu));
     living().push_back(this);
 }
 
@@ -160,6 +173,32 @@ void CLookAndFeel::drawFileBrowserRow(juce::Graphics& g, int width, int height, 
                            : Colour(theme::quietText));
     g.drawFittedText(size, area.removeFromLeft(width / 12), juce::Justification::centredRight, 1);
     g.drawFittedText(time, area, juce::Justification::centredRight, 1);
+}
+
+// JUCE's own form, and the button's face where a layout gives it a colour.
+void CLookAndFeel::drawComboBox(juce::Graphics& g, int width, int height, bool, int, int, int, int,
+                                juce::ComboBox& combo) {
+    const auto area = juce::Rectangle<int>(width, height).toFloat();
+    const auto arrow = juce::Rectangle<float>(static_cast<float>(width) - 30.0f, 0.0f, 20.0f,
+                                              static_cast<float>(height));
+    constexpr float corner = 3.0f;
+    g.setColour(combo.findColour(juce::ComboBox::backgroundColourId));
+    g.fillRoundedRectangle(area, corner);
+    if (combo.isColourSpecified(juce::ComboBox::buttonColourId)) {
+        const juce::Graphics::ScopedSaveState saved(g);
+        g.reduceClipRegion(area.withLeft(arrow.getX()).toNearestInt());
+        g.setColour(combo.findColour(juce::ComboBox::buttonColourId));
+        g.fillRoundedRectangle(area, corner);
+    }
+    g.setColour(combo.hasKeyboardFocus(true) ? Colour(theme::accent)
+                                             : combo.findColour(juce::ComboBox::outlineColourId));
+    g.drawRoundedRectangle(area.reduced(0.5f), corner, 1.0f);
+    juce::Path path;
+    path.startNewSubPath(arrow.getX() + 3.0f, arrow.getCentreY() - 2.0f);
+    path.lineTo(arrow.getCentreX(), arrow.getCentreY() + 3.0f);
+    path.lineTo(arrow.getRight() - 3.0f, arrow.getCentreY() - 2.0f);
+    g.setColour(combo.findColour(juce::ComboBox::arrowColourId).withAlpha(combo.isEnabled() ? 0.9f : 0.2f));
+    g.strokePath(path, juce::PathStrokeType(2.0f));
 }
 
 juce::Font CLookAndFeel::getTextButtonFont(juce::TextButton&, int height) {

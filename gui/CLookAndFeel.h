@@ -28,6 +28,8 @@ class CLookAndFeel final : public juce::LookAndFeel_V4 {
                             const juce::String& name, juce::Image* icon, const juce::String& size,
                             const juce::String& time, bool isFolder, bool isSelected, int row,
                             juce::DirectoryContentsDisplayComponent&) override;
+    void drawComboBox(juce::Graphics&, int width, int height, bool isDown, int buttonX, int buttonY,
+                      int buttonWidth, int buttonHeight, juce::ComboBox&) override;
     juce::Font getTextButtonFont(juce::TextButton&, int height) override;
     juce::Font getComboBoxFont(juce::ComboBox&) override;
     juce::Font getPopupMenuFont() override;

@@ -16,6 +16,8 @@ class ControlRefresh {
   public:
     // After a rebuild or another selection: every control takes the engine's value at the next refresh.
     void forget() { seen_.clear(); }
+    // The same for one control: the user has moved it, the engine's value may have stayed.
+    void forget(const juce::Component& control) { seen_.erase(&control); }
     void refresh(const PanelControls& controls, const PanelEdits& engine);
 
   private:

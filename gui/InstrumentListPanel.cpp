@@ -38,9 +38,11 @@ void InstrumentListPanel::mouseDown(const juce::MouseEvent& event) {
     if (event.eventComponent == this && onClose) onClose();
 }
 
-// The model loads; the list is done.
+// On a row: the model loads; the list is done.
 void InstrumentListPanel::mouseDoubleClick(const juce::MouseEvent& event) {
-    if (event.eventComponent != this && list_.getSelectedRow() >= 0 && onClose) onClose();
+    const auto at = event.getEventRelativeTo(&list_).getPosition();
+    const bool isOnRow = at.x < list_.getVisibleRowWidth() && list_.getRowContainingPosition(at.x, at.y) >= 0;
+    if (event.eventComponent != this && isOnRow && onClose) onClose();
 }
 
 int InstrumentListPanel::rowFor(const juce::String& typed, const juce::StringArray& titles) {

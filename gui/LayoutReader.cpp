@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <limits>
 
 namespace zarno {
 
@@ -35,6 +36,8 @@ constexpr int frameworkColours[] = {
 static_assert(std::equal(std::begin(frameworkColours), std::end(frameworkColours), std::begin(layoutColours),
                          std::end(layoutColours),
                          [](int framework, const LayoutColour& ours) { return framework == ours.id; }));
+
+constexpr int anyNumber = std::numeric_limits<int>::max(); // of what is no length
 
 // A decimal integer at the start of the text; whatever is too large for the range is cut to it.
 int integer(const juce::String& text, int limit) {
@@ -100,11 +103,11 @@ ControlDescription readControl(ControlKind kind, const juce::XmlElement& element
     control.bounds = {attributes.number("x", 0), attributes.number("y", 0),
                       std::max(0, attributes.number("width", 50, limits::panelLength)),
                       std::max(0, attributes.number("height", 50, limits::panelLength))};
-    if (attributes.find("1") != nullptr) control.image = attributes.number("1", -1);
-    control.id = attributes.number("2", -1);
+    if (attributes.find("1") != nullptr) control.image = attributes.number("1", -1, anyNumber);
+    control.id = attributes.number("2", -1, anyNumber);
     control.flag = isTrue(attributes.text("3"));
     if (kind == ControlKind::Keyboard) control.keys = keyRange(attributes.text("4"));
-    control.justification = attributes.number("5", 0);
+    control.justification = attributes.number("5", 0, anyNumber);
     control.typeface = attributes.text("6");
     control.fontHeight = fontHeight(attributes);
     control.text = attributes.text("8");
@@ -136,7 +139,7 @@ void readImages(const juce::XmlElement& parent, std::vector<LayoutImage>& images
     for (const auto* child : parent.getChildIterator()) {
         if (child->isTextElement()) continue;
         if (auto data = decodeImageText(child->getAllSubText()))
-            images.push_back({child->getTagName().getIntValue(), std::move(*data)});
+            images.push_back({integer(child->getTagName(), anyNumber), std::move(*data)});
     }
 }
 

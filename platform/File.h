@@ -21,8 +21,8 @@ class File {
     File& operator=(File&& other) noexcept;
 
     /// Opens `path`, closing what was open before. The text is UTF-8; when it is not valid UTF-8 it is taken
-    /// as the system's code page (Latin-1 on POSIX, where the very bytes are tried first). Windows accepts
-    /// both separators and paths up to 32,767 characters. Folders, pipes and devices do not open, so that no
+    /// as the system's code page. POSIX tries the very bytes first, then each part of the path in its other
+    /// form: Latin-1 bytes for UTF-8 text, UTF-8 for other bytes. Windows accepts both separators and paths up to 32,767 characters. Folders, pipes and devices do not open, so that no
     /// name inside an instrument can make a read wait.
     bool open(std::string_view path);
     void close() noexcept;

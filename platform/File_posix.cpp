@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/File.h"
 
-#include "platform/Utf8.h"
+#include "platform/PathOnDisk_posix.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -27,8 +27,7 @@ int openForReading(const std::string& path) {
 bool File::open(std::string_view path) {
     close();
     if (path.empty() || path.find('\0') != std::string_view::npos) return false;
-    int descriptor = openForReading(std::string(path));
-    if (descriptor < 0 && !isValidUtf8(path)) descriptor = openForReading(utf8FromLatin1(path));
+    const int descriptor = openForReading(pathOnDisk(path));
     if (descriptor < 0) return false;
 
     struct stat status {};

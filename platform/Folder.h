@@ -8,7 +8,7 @@
 namespace zarno {
 
 struct FolderEntry {
-    std::string name; ///< without the folder
+    std::string name; ///< without the folder; on POSIX the very bytes, which may not be UTF-8
     bool isFolder = false;
     bool isFile = false; ///< a regular one; pipes, devices and dead links are neither
     bool isLink = false; ///< a symbolic link or junction; isFolder and isFile say what it leads to

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/Folder.h"
 
+#include "platform/PathOnDisk_posix.h"
+
 #include <algorithm>
 #include <dirent.h>
 #include <fcntl.h>
@@ -35,7 +37,7 @@ FolderEntry describe(DIR* folder, const dirent& found) {
 
 std::vector<FolderEntry> listFolder(std::string_view path) {
     std::vector<FolderEntry> entries;
-    const std::unique_ptr<DIR, CloseFolder> folder(::opendir(std::string(path).c_str()));
+    const std::unique_ptr<DIR, CloseFolder> folder(::opendir(pathOnDisk(path).c_str()));
     if (!folder) return entries;
     while (const dirent* found = ::readdir(folder.get())) {
         const std::string_view name = found->d_name;

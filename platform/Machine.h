@@ -7,8 +7,8 @@
 
 namespace zarno {
 
-/// The same bytes for all paths that lead to one file, whatever links, dots and letter case are in them;
-/// another file's differ while both are there. Empty when there is no file. Asks the disk.
+/// The same bytes for all paths that lead to one file or folder, whatever links, dots and letter case are in
+/// them; another's differ while both are there. Empty when there is none. Asks the disk.
 std::string fileIdentity(std::string_view path);
 
 /// Bytes of memory that the machine has; 0 when it does not say.

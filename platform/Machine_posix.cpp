@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/Machine.h"
 
-#include "platform/Utf8.h"
+#include "platform/PathOnDisk_posix.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,9 +11,7 @@ namespace zarno {
 std::string fileIdentity(std::string_view path) {
     struct stat status {};
     if (path.empty() || path.find('\0') != std::string_view::npos) return {};
-    if (::stat(std::string(path).c_str(), &status) != 0 &&
-        (isValidUtf8(path) || ::stat(utf8FromLatin1(path).c_str(), &status) != 0))
-        return {};
+    if (::stat(pathOnDisk(path).c_str(), &status) != 0) return {};
     return std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
 }
 

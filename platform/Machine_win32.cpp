@@ -11,7 +11,7 @@ std::string fileIdentity(std::string_view path) {
     const auto wide = widePath(path);
     if (wide.empty()) return {};
     const HANDLE file = CreateFileW(wide.c_str(), 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+                                    nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (file == INVALID_HANDLE_VALUE) return {};
     BY_HANDLE_FILE_INFORMATION about{};
     const bool known = GetFileInformationByHandle(file, &about) != 0;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/Paths.h"
 
+#include "platform/Utf8.h"
+
 #include <algorithm>
 
 namespace zarno {
@@ -50,6 +52,18 @@ std::string fileStem(std::string_view nativePath) {
     const auto dot = name.rfind('.');
     if (dot != std::string::npos && dot > 0) name.resize(dot);
     return name;
+}
+
+std::string toUtf8Path(std::string_view nativePath) {
+    if (isValidUtf8(nativePath)) return std::string(nativePath);
+    std::string path;
+    for (std::size_t begin = 0; begin < nativePath.size();) {
+        const std::size_t end =
+            std::min(nativePath.find_first_of(separators, begin), nativePath.size() - 1) + 1;
+        path += toUtf8(nativePath.substr(begin, end - begin));
+        begin = end;
+    }
+    return path;
 }
 
 std::string joinPath(std::string_view folder, std::string_view child) {

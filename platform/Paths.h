@@ -21,6 +21,9 @@ std::string fileName(std::string_view nativePath);
 std::string fileStem(std::string_view nativePath);
 /// `child` below `folder`, with one separator between them; just `child` when `folder` is empty.
 std::string joinPath(std::string_view folder, std::string_view child);
+/// Every part of the path on its own as toUtf8 has it: folders and files may have been named by systems with
+/// different encodings. On POSIX the result still opens (see File::open).
+std::string toUtf8Path(std::string_view nativePath);
 
 /// These ask the disk; names are read as File::open reads them.
 bool isRegularFile(std::string_view path);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/Paths.h"
 
-#include "platform/Utf8.h"
+#include "platform/PathOnDisk_posix.h"
 
 #include <sys/stat.h>
 
@@ -11,10 +11,7 @@ namespace {
 mode_t fileType(std::string_view path) {
     struct stat status {};
     if (path.empty() || path.find('\0') != std::string_view::npos) return 0;
-    if (::stat(std::string(path).c_str(), &status) == 0) return status.st_mode & S_IFMT;
-    if (!isValidUtf8(path) && ::stat(utf8FromLatin1(path).c_str(), &status) == 0)
-        return status.st_mode & S_IFMT;
-    return 0;
+    return ::stat(pathOnDisk(path).c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 } // namespace

@@ -5,7 +5,7 @@
 #include <source_location>
 #endif
 
-/// What the tags in the headers, `[audio]`, `[loading]`, `[disk]`, `[message]`, mean: a thread that is known
+/// What the tags in the headers, `[audio]`, `[loading]`, `[reader]`, `[disk]`, `[message]`, mean: a thread that is known
 /// to be of one kind may not enter what is for another. The sanitizer builds and debug builds check it, all
 /// others compile it to nothing. A thread of which nothing is known may do anything: tests and offline hosts
 /// do.

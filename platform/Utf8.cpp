@@ -54,4 +54,25 @@ std::string utf8FromLatin1(std::string_view text) {
     return utf8;
 }
 
+std::string latin1FromUtf8(std::string_view text) {
+    std::string latin1;
+    if (!isValidUtf8(text)) return latin1;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = byteAt(text, i);
+        if (byte > 0xC3) return {};
+        latin1 += static_cast<char>(byte < 0x80 ? byte : (byte & 0x03) << 6 | (byteAt(text, ++i) & 0x3F));
+    }
+    return latin1;
+}
+
+std::string withFoldedCase(std::string text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = byteAt(text, i);
+        const bool afterC3 = i > 0 && byteAt(text, i - 1) == 0xC3;
+        if (byte >= 'A' && byte <= 'Z') text[i] = static_cast<char>(byte + 32);
+        if (afterC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97) text[i] = static_cast<char>(byte + 0x20);
+    }
+    return text;
+}
+
 } // namespace zarno

@@ -7,8 +7,8 @@
 
 namespace zarno {
 
-// Both sides write one flag and then read the other's: in one order for all threads, so that one of them sees
-// it.
+// Each side writes its own flag and then reads the other's. Sequentially consistent, so at least one of them sees
+// the other.
 bool AudioGate::enter() {
     inside_.fetch_add(1);
     if (!closed_.load()) return true;

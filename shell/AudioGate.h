@@ -8,10 +8,9 @@
 
 namespace zarno {
 
-/// Stands between the host's audio thread and the framework's wrapper, which trusts its host: it would read
-/// what it has freed when a host goes on processing after it has suspended, and write past a buffer of its
-/// own when outputs are null or shared and a block is longer than announced. Whatever the host does, the
-/// wrapper sees two separate outputs, and is resumed and suspended while nobody processes.
+/// Shields JUCE's VST2 wrapper from hosts that process after suspend (use-after-free), or pass null or shared
+/// outputs with a block longer than announced (overrun). The wrapper always sees two separate outputs, and is
+/// resumed and suspended while no thread processes.
 class AudioGate {
   public:
     explicit AudioGate(Vst2::AEffect& effect)
@@ -22,7 +21,7 @@ class AudioGate {
     /// that one gets the right channel, as the wrapper has it.
     void process(float** outputs, int frames);
 
-    /// [audio] Around a call that hands events over. False: the gate is closed, the events are to be dropped.
+    /// [audio] Around a call that hands events over. False: the gate is closed; the caller drops the events.
     bool enter();
     void leave() { inside_.fetch_sub(1, std::memory_order_release); }
 
@@ -38,7 +37,7 @@ class AudioGate {
 
     Vst2::AEffect& effect_;
     const Vst2::AEffectProcessProc wrapperProcess_;
-    std::atomic<bool> closed_{false}; // at first open: the wrapper resumes itself for hosts that never do
+    std::atomic<bool> closed_{false}; // open at first: the wrapper resumes itself for hosts that never do
     std::atomic<int> inside_{0};
     std::vector<float> aside_; // both channels, where the host gave no place for them
 };

@@ -5,9 +5,10 @@
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
-#include "platform/Patience.h"
+#include "platform/Paths.h"
+#include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
-#include "shell/SampleSearch.h"
+#include "shell/HostChunk.h"
 #include "shell/UserFolders.h"
 
 #include <algorithm>
@@ -19,13 +20,11 @@ juce::String fromUtf8(const std::string& text) {
     return juce::String::fromUTF8(text.data(), (int) text.size());
 }
 
-// Empty when the file system does not answer: the host goes on without it.
-Library scanLibrary() {
-    const auto library = std::make_shared<Library>();
-    const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
-    const bool answers = doWithPatience(
-        limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
-    return answers ? std::move(*library) : Library();
+// A file system that does not answer counts as one that does not have the file.
+bool isThere(const std::string& path) {
+    const auto found = std::make_shared<bool>(false);
+    return runWithTimeout(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
+           *found;
 }
 
 } // namespace
@@ -33,24 +32,25 @@ Library scanLibrary() {
 CZSP::CZSP()
     : AudioProcessor(BusesProperties().withOutput("Output", juce::AudioChannelSet::stereo(), true))
     , Thread("ZSP Loading Thread")
+    , library_({libraryFolderBeside(modulePath()), userLibraryFolder()})
     , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
-    library_ = scanLibrary();
     auto lookAndFeel = std::make_unique<CLookAndFeel>();
     lookAndFeel->install();
     lookAndFeel_ = std::move(lookAndFeel);
     engine_.setDelegate(this);
-    if (!library_.entries.empty()) selectInstrument(0, {}, false, true);
+    if (!library()->entries.empty()) selectInstrument(0, {}, false, true);
 }
 
 // The loading thread looks for the signal every few milliseconds and never waits for this one.
 CZSP::~CZSP() {
     constexpr int steps = 200, stepMs = 5;
+    loads_.close();
     signalThreadShouldExit();
     for (int i = 0; i < steps && isThreadRunning(); ++i)
         juce::Thread::sleep(stepMs);
     waitForThreadToExit(-1);
-    endOfLoad_->abandon();
+    editorPort_.abandonMessages();
     engine_.setDelegate(nullptr);
 }
 
@@ -64,10 +64,9 @@ void CZSP::prepareToPlay(double sampleRate, int) {
     releaseAllNotes();
 }
 
-// A note-off or a pedal-up that the host sent while we were stopped or suspended never reached us.
+// Note-offs and pedal-ups that the host sends while processing is off never arrive.
 void CZSP::releaseAllNotes() {
-    engine_.postEvent(midi::controller, 0, 64, 0, 0);
-    engine_.postEvent(midi::controller, 0, 123, 0, 0);
+    engine_.requestRelease();
 }
 
 void CZSP::setNonRealtime(bool nonRealtime) noexcept {
@@ -89,18 +88,19 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
     }
 }
 
-// Bypassed, MIDI goes on being heeded, so that pedals and keyswitches are right afterwards, but no voice
+// While bypassed, MIDI is still handled, so that pedals and keyswitches are right afterwards; no voice
 // outlives the block.
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     const thread::Acts asAudio(thread::audio);
-    const bool unheard = bypassed_;
-    if (unheard) engine_.requestStop();
+    const ActivityMeter::Block measured(activity_, audio, engine_.sampleRate());
+    const bool isSilent = bypassed_;
+    if (isSilent) engine_.requestStop();
     postEvents(midi);
     midi.clear();
     auto** channels =
-        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine leaves the pointers be
+        const_cast<float**>(audio.getArrayOfWritePointers()); // the engine does not change the pointers
     engine_.renderBlock(channels, audio.getNumChannels(), audio.getNumSamples());
-    if (!unheard) return;
+    if (!isSilent) return;
     audio.clear();
     engine_.requestStop();
 }
@@ -110,7 +110,7 @@ juce::AudioProcessorEditor* CZSP::createEditor() {
 }
 
 int CZSP::getCurrentProgram() {
-    return std::max(library_.indexOf(currentPath().toStdString()), 0);
+    return std::max(library()->indexOf(loads_.current().path), 0);
 }
 
 void CZSP::setCurrentProgram(int index) {
@@ -118,12 +118,13 @@ void CZSP::setCurrentProgram(int index) {
 }
 
 const juce::String CZSP::getProgramName(int index) {
-    return library_.contains(index) ? fromUtf8(library_.entries[static_cast<std::size_t>(index)].title)
+    const auto titles = library();
+    return titles->contains(index) ? fromUtf8(titles->entries[static_cast<std::size_t>(index)].title)
                                     : juce::String();
 }
 
 int CZSP::getNumRows() {
-    return static_cast<int>(library_.entries.size());
+    return static_cast<int>(library()->entries.size());
 }
 
 void CZSP::paintListBoxItem(int row, juce::Graphics& graphics, int width, int height, bool selected) {
@@ -139,42 +140,93 @@ void CZSP::listBoxItemDoubleClicked(int row, const juce::MouseEvent&) {
 
 bool CZSP::loadProgress(float fraction, const char*, const char*) {
     progress_ = fraction;
-    return !threadShouldExit();
+    return !threadShouldExit() && !cancelRequested_;
 }
 
 void CZSP::groupsChanged() {
     groupsGeneration_.fetch_add(1, std::memory_order_relaxed);
 }
 
-void CZSP::reportMessage(const char* text, char* reply) {
-    SampleSearch search({settings_.get(settingKey::missingFolder).toStdString(), homeFolder()}, {},
-                        [this] { return !threadShouldExit(); });
-    const std::string found = search.find(text);
-    {
-        const juce::ScopedLock hold(lock_);
-        locatedPath_ = fromUtf8(found);
+void CZSP::selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous) {
+    const auto [target, targetIndex] = library()->resolve(index, path.toStdString());
+    if (target.empty()) {
+        if (reapply) loadRunner_.applyState(splitChunk(loads_.saved().chunk).tail);
+    } else if (synchronous) {
+        if (reapply || target != loads_.current().path) loadNow({target, targetIndex, {}, {}});
+    } else if (loads_.select(target, targetIndex) || (reapply && loads_.reload({}))) {
+        startLoading();
     }
-    if (found.size() < replyBytes) std::copy_n(found.c_str(), found.size() + 1, reply);
+}
+
+void CZSP::loadAgain() {
+    std::vector<std::uint8_t> liveState;
+    if (loads_.isCurrentLoaded()) {
+        juce::MemoryBlock chunk;
+        getStateInformation(chunk);
+        const auto tail =
+            splitChunk({static_cast<const std::uint8_t*>(chunk.getData()), chunk.getSize()}).tail;
+        liveState.assign(tail.begin(), tail.end());
+    }
+    if (loads_.reload(std::move(liveState))) startLoading();
+}
+
+void CZSP::loadInstead(const juce::String& path) {
+    const auto [target, index] = library()->resolve(-1, path.toStdString());
+    if (loads_.replaceMissing(target, index)) startLoading();
+}
+
+void CZSP::loadNow(LoadRequest request) {
+    if (loads_.restore(std::move(request))) performLoad();
+}
+
+// Only the reader has the lowest priority: the loading thread holds the callback lock for moments, in which
+// the audio thread waits for it even on a busy machine.
+void CZSP::startLoading() {
+    progress_ = -1.0;
+    editorPort_.loadingStarted();
+    waitForThreadToExit(-1); // of a former load, which has only to return
+    if (startThread(juce::Thread::Priority::normal)) return;
+    loadRunner_.fail();
+    editorPort_.postEndOfLoad();
+}
+
+void CZSP::run() {
+    performLoad();
+}
+
+void CZSP::performLoad() {
+    cancelRequested_ = false;
+    loadRunner_.perform();
+    loadGeneration_.fetch_add(1, std::memory_order_relaxed);
+    if (!threadShouldExit()) editorPort_.postEndOfLoad();
+}
+
+// Contents lock first: a load cannot replace the engine's values between the look at the state and the copy.
+void CZSP::getStateInformation(juce::MemoryBlock& chunk) {
+    const juce::ScopedLock hold(loadRunner_.contentsLock());
+    auto [bytes, path, pathAlone] = loads_.saved();
+    if (bytes.empty() && pathAlone) bytes = encodeChunkPath(path);
+    if (bytes.empty())
+        bytes = encodeChunk(path, engine_.settings(), engine_.currentGroupIndex(), engine_.groups());
+    chunk.append(bytes.data(), bytes.size());
+}
+
+void CZSP::setStateInformation(const void* data, int size) {
+    if (data == nullptr || size <= 0) return;
+    const std::span chunk(static_cast<const std::uint8_t*>(data), static_cast<std::size_t>(size));
+    const auto [wanted, tail] = splitChunk(chunk);
+    if (wanted.empty()) return;
+    // After a library has moved, the instrument of the same file name stands in.
+    std::string path = wanted;
+    const auto library = this->library();
+    if (const int standIn = library->indexOfFileName(wanted); standIn >= 0 && !isThere(wanted))
+        path = library->entries[static_cast<std::size_t>(standIn)].path;
+    loadNow({path, library->indexOf(path), {chunk.begin(), chunk.end()}, {tail.begin(), tail.end()}});
 }
 
 void CZSP::tellHostOfChange() {
     // The interface has no better word for a changed state than a changed program.
     updateHostDisplay(ChangeDetails().withProgramChanged(true).withNonParameterStateChanged(true));
-}
-
-juce::String CZSP::currentPath() const {
-    const juce::ScopedLock hold(lock_);
-    return currentPath_;
-}
-
-int CZSP::currentIndex() const {
-    const juce::ScopedLock hold(lock_);
-    return currentIndex_;
-}
-
-EditorLink::Missing CZSP::missingSamples() const {
-    const juce::ScopedLock hold(lock_);
-    return missing_;
 }
 
 void CZSP::seedRandom(std::uint32_t seed) {

@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/load/InstrumentLoader.h"
 #include "engine/ZInstrument.h"
 #include "engine/ZSEDelegate.h"
+#include "shell/ActivityMeter.h"
 #include "shell/EditorPort.h"
 #include "shell/KeyboardRoute.h"
-#include "shell/Library.h"
-#include "shell/MessageCall.h"
+#include "shell/LiveLibrary.h"
+#include "shell/LoadController.h"
+#include "shell/LoadRunner.h"
 #include "shell/ModuleIdentity.h"
 #include "shell/Settings.h"
 
@@ -17,11 +18,8 @@
 
 namespace zarno {
 
-class FolderQuestion;
-class LoadJob;
-
-/// The one object the host talks to: no audio inputs, two outputs, MIDI in; no parameters and no programs
-/// that a host sees, though the program operations reach the instruments of the library.
+/// The object that the host talks to: two audio outputs, MIDI input, no parameters. It reports 0 programs,
+/// although the program operations address the instruments of the library by index.
 class CZSP final : public juce::AudioProcessor,
                    public juce::ListBoxModel,
                    public ZSEDelegate,
@@ -47,9 +45,9 @@ class CZSP final : public juce::AudioProcessor,
     void setNonRealtime(bool nonRealtime) noexcept override;
     void processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) override;
     using juce::AudioProcessor::processBlock;
-    /// [any] From the next block on: silence, during which MIDI is heeded still.
+    /// [any] From the next block on the output is silent; MIDI is still handled.
     void setBypassed(bool bypassed) { bypassed_ = bypassed; }
-    /// All voices stop at the next block's start, and nothing that waits begins.
+    /// All voices stop at the start of the next block, and queued notes do not start.
     void reset() override { engine_.requestStop(); }
 
     juce::AudioProcessorEditor* createEditor() override;
@@ -64,7 +62,7 @@ class CZSP final : public juce::AudioProcessor,
     bool isMetaParameter(int) const override { return false; }
 
     int getNumPrograms() override { return 0; }
-    /// These three mean the instruments of the library, although there are 0 programs.
+    /// Index the instruments of the library, although there are 0 programs.
     int getCurrentProgram() override;
     void setCurrentProgram(int index) override;
     const juce::String getProgramName(int index) override;
@@ -79,85 +77,68 @@ class CZSP final : public juce::AudioProcessor,
 
     bool loadProgress(float fraction, const char* groupName, const char* sampleName) override;
     void groupsChanged() override;
-    void reportMessage(const char* text, char* reply) override;
+    void reportMessage(const char*, char* reply) override { reply[0] = 0; } // each load asks by itself
     void settingsChanged() override {}
     void requestLicenceText(char*) override {}
 
     /// The one way in which the instrument changes: entry `index` of the library when `path` is empty, else
-    /// the file `path`. Selecting the current one does nothing, unless `reapply` asks for a fresh load.
+    /// the file `path`. Selecting what is loaded does nothing, unless `reapply` asks for a fresh load.
+    /// `synchronous`: returns when it is loaded; otherwise a load in the background begins, or goes on.
     void selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous);
 
     /// The current instrument once more, in the background. The settings of one that is loaded are kept.
     void loadAgain();
+    /// `path` in place of an instrument that a project wants and that is not there, with the project's
+    /// settings.
+    void loadInstead(const juce::String& path);
+
+    /// [any] Ends the running load, if there is one.
+    void cancelLoad() { cancelRequested_ = true; }
 
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
-    /// The host is told that there is something to save.
+    /// [message] Tells the host that there is something to save.
     void tellHostOfChange();
 
     ZInstrument& engine() { return engine_; }
     const ModuleIdentity& identity() const { return identity_; }
+    /// [any] What is in the library now.
+    std::shared_ptr<const Library> library() const { return library_.get(); }
+    LiveLibrary& liveLibrary() { return library_; }
+    const ActivityMeter& activityMeter() const { return activity_; }
     Settings& settings() { return settings_; }
     KeyboardRoute& keyboardRoute() { return keyboardRoute_; }
-    /// Held while groups, zones and texts of the engine are looked at or replaced.
-    const juce::CriticalSection& contentsLock() const { return contentsLock_; }
+    const LoadController& loads() const { return loads_; }
+    LoadRunner& loadRunner() { return loadRunner_; }
 
-    /// Any thread.
-    bool isLoading() const { return loading_; }
-    bool lastLoadSucceeded() const { return lastLoadSucceeded_; }
+    /// [any]
     double progress() const { return progress_; }
     std::uint32_t groupsGeneration() const { return groupsGeneration_; }
     std::uint32_t loadGeneration() const { return loadGeneration_; }
-    juce::String currentPath() const;
-    int currentIndex() const;
-    EditorLink::Missing missingSamples() const;
 
   private:
     void run() override;
-    void showEndOfLoad();
-    void askAfterwards(EditorWindow& window);
-    bool mayAsk() const;
-    juce::File missingFolder() const;
     void postEvents(const juce::MidiBuffer& midi);
     void releaseAllNotes();
-
-    bool choose(int& index, juce::String& target, bool reapply);
+    void loadNow(LoadRequest request);
     void startLoading();
-    void loadNow();
-    void load(bool inBackground);
-    LoadResult readAndTakeOver(const juce::String& path, bool inBackground);
-    void discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question);
-    void endLoad();
-    void applyPendingState();
-    void makeOnlyActiveGroup(std::int32_t index);
+    void performLoad();
 
     ZInstrument engine_;
     KeyboardRoute keyboardRoute_{engine_};
-    Library library_;
+    LiveLibrary library_;
+    ActivityMeter activity_;
+    std::atomic<bool> cancelRequested_{false}; // of the running load
     std::atomic<bool> bypassed_{false};
-    std::atomic<bool> loading_{false};
-    std::atomic<bool> lastLoadSucceeded_{true};
     std::atomic<double> progress_{-1.0};
     std::atomic<std::uint32_t> groupsGeneration_{0}, loadGeneration_{0};
     Settings settings_;
     ModuleIdentity identity_;
-    EditorPort editorPort_{*this};
     std::unique_ptr<juce::LookAndFeel> lookAndFeel_;
-    const std::shared_ptr<MessageCall> endOfLoad_ = MessageCall::make([this] { showEndOfLoad(); });
-    std::atomic<int> waiting_{0}; // for the running load to end: it is to ask nobody
-
-    juce::CriticalSection contentsLock_; // taken before the callback lock
-    juce::CriticalSection lock_;         // guards all below; nothing else is locked under it
-    juce::String currentPath_;           // of what is loaded, being loaded, or chosen during a load
-    juce::String loadedPath_;            // of the last load
-    juce::String locatedPath_;
-    int currentIndex_ = -1;
-    bool running_ = false;                    // a load; changes together with loading_
-    bool unasked_ = false;                    // the last load has a question, and the window is open
-    EditorLink::Missing missing_;             // in the last load
-    std::vector<std::uint8_t> receivedChunk_; // restored, and not loaded yet
-    std::vector<std::uint8_t> pendingState_;  // its tail, to be applied after the load
+    LoadController loads_;
+    EditorPort editorPort_{*this};
+    LoadRunner loadRunner_{{engine_, *this, *this, settings_, editorPort_, loads_}};
 };
 
 } // namespace zarno

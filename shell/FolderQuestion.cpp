@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/FolderQuestion.h"
 
+#include "platform/Utf8.h"
 #include "shell/EditorPort.h"
 
 namespace zarno {
@@ -11,11 +12,13 @@ void FolderQuestion::Reply::set(const juce::File& chosen) {
 }
 
 FolderQuestion::FolderQuestion(EditorPort& port, const std::string& sampleName, const juce::File& start)
-    : reply_(std::make_shared<Reply>())
-    , call_(MessageCall::make([&port, sampleName, start, reply = reply_] {
-        const auto name = juce::String::fromUTF8(sampleName.data(), static_cast<int>(sampleName.size()));
+    : windowNumber_(port.windowNumber())
+    , reply_(std::make_shared<Reply>())
+    , call_(MessageCall::make([&port, sampleName, start, number = windowNumber_, reply = reply_] {
+        const auto name = juce::String::fromUTF8(toUtf8(sampleName).c_str());
         EditorWindow* window = port.window();
         if (window == nullptr) return reply->set({});
+        if (port.windowNumber() != number) return; // LoadRunner::discuss asks the new window
         window->askForSampleFolder(name, start, [reply](const juce::File& chosen) { reply->set(chosen); });
     })) {
     call_->post();

@@ -11,8 +11,8 @@ namespace zarno {
 
 class EditorPort;
 
-/// A load's question to the user where a sample lies, put by the window that is open. The loading thread looks
-/// for the answer now and then and may drop the question at any time; nobody waits for the message thread.
+/// A load's question to the user where a sample lies, shown by the open window. The loading thread polls for
+/// the answer and may drop the question at any time; no thread waits for the message thread.
 class FolderQuestion {
   public:
     /// `sampleName`: of the missing file. `start`: the folder that is shown first.
@@ -22,8 +22,11 @@ class FolderQuestion {
     FolderQuestion(const FolderQuestion&) = delete;
     FolderQuestion& operator=(const FolderQuestion&) = delete;
 
-    /// The folder's path, empty when the user cancelled or there is no window; none while he thinks.
+    /// The folder's path, empty when the user cancelled or there is no window; none before the answer.
     std::optional<std::string> answer() const;
+
+    /// Of the window that the question was meant for. Another one knows nothing of it.
+    std::uint32_t windowNumber() const { return windowNumber_; }
 
   private:
     struct Reply {
@@ -32,6 +35,7 @@ class FolderQuestion {
         void set(const juce::File& chosen);
     };
 
+    const std::uint32_t windowNumber_;
     const std::shared_ptr<Reply> reply_; // the dialog holds it too
     const std::shared_ptr<MessageCall> call_;
 };

@@ -4,7 +4,7 @@
 namespace zarno {
 namespace {
 
-// What the wrapper does beyond the interface, by the index of a vendor-specific call.
+// A vendor-specific call that JUCE's wrapper implements beyond the interface, by its index.
 constexpr Vst2::VstInt32 setContentScale = 0x50726553; // "PreS"
 constexpr Vst2::VstInt32 showParameter = Vst2::effGetParamDisplay;
 
@@ -14,7 +14,7 @@ bool isScale(float factor) {
 
 } // namespace
 
-bool makesSense(const HostCall& call) {
+bool isValidHostCall(const HostCall& call) {
     switch (call.opcode) {
     case Vst2::effSetProgramName:
     case Vst2::effGetProgramName:

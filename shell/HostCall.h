@@ -5,7 +5,7 @@
 
 namespace zarno {
 
-/// What a host asks, as the interface hands it over.
+/// The arguments of one dispatcher call.
 struct HostCall {
     Vst2::VstInt32 opcode, index;
     Vst2::VstIntPtr value;
@@ -13,8 +13,8 @@ struct HostCall {
     float option;
 };
 
-/// False for calls that the framework's wrapper would follow into a crash: without a place for the answer, or
-/// with a rate or scale that is none. A pointer that points nowhere cannot be told.
-bool makesSense(const HostCall& call);
+/// False for calls that crash JUCE's wrapper: a null pointer where it writes its answer, or a rate or scale
+/// that is not a positive number. Dangling pointers cannot be detected.
+bool isValidHostCall(const HostCall& call);
 
 } // namespace zarno

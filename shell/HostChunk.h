@@ -26,11 +26,11 @@ namespace zarno {
 
 class ZGroup;
 
-/// A chunk of these contents. A longer path is cut, between characters.
+/// A chunk of these contents. A path longer than the field is cut between characters.
 std::vector<std::uint8_t> encodeChunk(std::string_view path, const InstrumentSettings& settings,
                                       std::int32_t currentGroup,
                                       const std::vector<std::unique_ptr<ZGroup>>& groups);
-/// Path and zero byte alone: what can be said while a load runs.
+/// Path and zero byte alone, for a save during a load, when the engine's values belong to no instrument.
 std::vector<std::uint8_t> encodeChunkPath(std::string_view path);
 
 struct ChunkParts {
@@ -38,23 +38,23 @@ struct ChunkParts {
     std::span<const std::uint8_t> tail; ///< into the chunk
 };
 
-/// Parts a chunk at its first zero byte; without one the whole chunk is both.
+/// Splits a chunk after its first zero byte. Without one, path and tail are the whole chunk.
 ChunkParts splitChunk(std::span<const std::uint8_t> chunk);
 
 /// The twelve fields of the instrument record, from byte 32 to 79, that a project restores. The others are
-/// the instrument maker's, and stay as loaded.
+/// the instrument maker's and stay as loaded.
 inline constexpr std::size_t restoredBegin = offsetof(InstrumentSettings, quality);
 inline constexpr std::size_t restoredEnd = offsetof(InstrumentSettings, velocityFloor);
 
-/// What a tail asks for, as far as it goes and can be believed.
+/// The contents of a tail, as far as its size allows.
 struct ChunkState {
-    std::optional<InstrumentSettings> settings; ///< only the restored fields are meant
+    std::optional<InstrumentSettings> settings; ///< only the restored fields are used
     std::vector<GroupRecord> groups;            ///< one for each group of the instrument, or empty
     std::optional<std::int32_t> currentGroup;   ///< set when the tail's groups fit: an index, or -1 for none
 };
 
-/// Tails shorter than the restored fields ask for nothing; group records count only when all are there and as
-/// many as the instrument has now.
+/// A tail shorter than the restored fields gives nothing. Group records are taken only when all are there and their
+/// count equals `groupCount`.
 ChunkState decodeTail(std::span<const std::uint8_t> tail, std::size_t groupCount);
 
 /// Copies the restored fields alone.

@@ -12,11 +12,11 @@ namespace zarno {
 
 LoadJob::LoadJob(Request request)
     : request_(std::move(request))
-    , search_(request_.places, request_.limits, [this] { return goOn(); }) {}
+    , search_(request_.places, request_.limits, [this] { return shouldContinue(); }) {}
 
 std::shared_ptr<LoadJob> LoadJob::start(Request request) {
     auto job = std::make_shared<LoadJob>(std::move(request));
-    // The thread holds the job only when it was left behind: see abandon.
+    // The thread holds a raw pointer: the caller joins it, or abandon keeps the job.
     using Priority = WorkerThread::Priority;
     const auto priority = job->request_.background ? Priority::lowest : Priority::normal;
     const bool started = job->thread_.start(
@@ -30,7 +30,7 @@ void LoadJob::read() {
     options.enteredText = request_.licenceText;
     options.delegate = this;
     options.opened = [this] { waitForPermission(); };
-    options.alive = [this] { goOn(); };
+    options.alive = [this] { shouldContinue(); };
     result_ = readInstrument(contents_, request_.path, options);
     const std::lock_guard hold(lock_);
     state_ = State::Finished;
@@ -41,7 +41,7 @@ void LoadJob::waitForPermission() {
     std::unique_lock hold(lock_);
     state_ = State::Opened;
     changed_.notify_all();
-    changed_.wait(hold, [this] { return state_ != State::Opened || !goOn(); });
+    changed_.wait(hold, [this] { return state_ != State::Opened || !shouldContinue(); });
     state_ = State::Reading;
 }
 
@@ -60,8 +60,8 @@ bool LoadJob::hangs() const {
     return silence.count() > limits::stalledDiskMs;
 }
 
-// Asked wherever the system has answered.
-bool LoadJob::goOn() {
+// Called after each answer of the system.
+bool LoadJob::shouldContinue() {
     signsOfLife_.fetch_add(1, std::memory_order_relaxed);
     return !cancelled_.load(std::memory_order_relaxed);
 }
@@ -84,7 +84,7 @@ void LoadJob::answer(const std::string& folder) {
     changed_.notify_all();
 }
 
-// Somebody who cancels once is left in peace for the rest of the load.
+// After one cancelled question the load asks no more.
 std::string LoadJob::ask(const std::string& missingPath) {
     std::string folder;
     {
@@ -93,7 +93,7 @@ std::string LoadJob::ask(const std::string& missingPath) {
         answer_.clear();
         state_ = State::Asking;
         changed_.notify_all();
-        changed_.wait(hold, [this] { return state_ != State::Asking || !goOn(); });
+        changed_.wait(hold, [this] { return state_ != State::Asking || !shouldContinue(); });
         state_ = State::Reading;
         folder = answer_;
     }
@@ -112,16 +112,16 @@ void LoadJob::cancel() {
 void LoadJob::abandon(std::shared_ptr<LoadJob> job) {
     keepModuleForever();
     job->thread_.detach();
-    // Kept on purpose until the process ends: nobody knows when the reader comes back.
+    // Never freed: the reader may return from its read at any time.
     static std::mutex lock;
-    static auto& leftBehind = *new std::vector<std::shared_ptr<LoadJob>>;
+    static auto& abandoned = *new std::vector<std::shared_ptr<LoadJob>>;
     const std::lock_guard hold(lock);
-    leftBehind.push_back(std::move(job));
+    abandoned.push_back(std::move(job));
 }
 
 bool LoadJob::loadProgress(float fraction, const char*, const char*) {
     progress_.store(fraction, std::memory_order_relaxed);
-    return goOn();
+    return shouldContinue();
 }
 
 void LoadJob::reportMessage(const char* text, char* reply) {

@@ -14,9 +14,8 @@
 
 namespace zarno {
 
-/// One load, on a thread of its own that touches nothing but this object. Whoever started it waits in small
-/// steps and may leave it behind: a read that the system does not give back then hangs nobody, and the object
-/// and the module stay until it does.
+/// One load on a reader thread, which touches nothing but this object. The owner polls it and may abandon it,
+/// so a read that never returns blocks only the reader; the object and the module then stay in memory.
 class LoadJob final : private ZSEDelegate {
   public:
     struct Request {
@@ -24,37 +23,40 @@ class LoadJob final : private ZSEDelegate {
         std::string licenceText;
         SampleSearch::Places places;
         SampleSearch::Limits limits;
-        /// Nobody is held up by this load: it runs at the lowest priority and may ask where samples are.
+        /// No host thread waits for this load: it reads at the lowest priority and may ask for missing
+        /// samples.
         bool background = false;
     };
-    /// Null when the system has no thread left.
+    /// Null when the system starts no thread.
     static std::shared_ptr<LoadJob> start(Request request);
 
     enum class State {
         Reading,
-        Opened, ///< the file is open: the reader waits for proceed, so that the old contents can go first
-        Asking, ///< a sample is nowhere to be found: the reader waits for answer
+        Opened, ///< the file is open: the reader waits for proceed, after the owner has cleared the old
+                ///< contents
+        Asking, ///< a sample was not found: the reader waits for answer
         Finished
     };
-    /// The state, after at most `timeoutMs` if it stays Reading.
+    /// [owner] The state; waits at most `timeoutMs` for one other than Reading.
     State wait(unsigned timeoutMs);
     void proceed();
     /// In state Asking: the name of the sample.
     std::string question();
-    /// The folder to look into, also for what else is missing. An empty one ends the questions of this load.
+    /// The folder to search, for this and all further missing samples. An empty one ends the questions of
+    /// this load.
     void answer(const std::string& folder);
-    /// The reader gives up at its next look.
+    /// [any] The reader ends at its next check.
     void cancel();
     float progress() const { return progress_.load(std::memory_order_relaxed); }
-    /// For who calls wait: it has found the reader in the same read for limits::stalledDiskMs.
+    /// [owner] The reader has been in one read for limits::stalledDiskMs.
     bool hangs() const;
 
-    /// In state Finished: waits for the thread's end. Then result and contents are the caller's.
+    /// [owner, Finished] Waits for the thread to end. After it, result and contents belong to the owner.
     void join() { thread_.join(); }
     LoadResult& result() { return result_; }
     InstrumentContents& contents() { return contents_; }
 
-    /// Leaves the reader behind, whatever it does. The job is not to be touched afterwards.
+    /// Gives up a reader that does not end. It keeps the job; the caller must not use it again.
     static void abandon(std::shared_ptr<LoadJob> job);
 
     /// Use start.
@@ -64,7 +66,7 @@ class LoadJob final : private ZSEDelegate {
     void read();
     void waitForPermission();
     std::string ask(const std::string& missingPath);
-    bool goOn();
+    bool shouldContinue();
 
     bool loadProgress(float fraction, const char* groupName, const char* sampleName) override;
     void groupsChanged() override {}
@@ -79,13 +81,13 @@ class LoadJob final : private ZSEDelegate {
     std::atomic<float> progress_{-1.0f};
     std::atomic<bool> cancelled_{false};
     std::atomic<std::uint64_t> signsOfLife_{0};
-    std::uint64_t signsSeen_ = 0; // this and the next of who calls wait
+    std::uint64_t signsSeen_ = 0; // this and the next: used by the owner alone
     std::chrono::steady_clock::time_point aliveAt_ = std::chrono::steady_clock::now();
     std::mutex lock_;
     std::condition_variable changed_;
     State state_ = State::Reading; // this and the next two are guarded by lock_
     std::string question_, answer_;
-    bool asks_ = request_.background; // of the reader alone
+    bool asks_ = request_.background; // used by the reader alone
     WorkerThread thread_;
 };
 

@@ -6,7 +6,8 @@
 namespace zarno {
 
 void MessageCall::post() {
-    if (!posted_.exchange(true)) juce::MessageManager::callAsync([call = shared_from_this()] { call->run(); });
+    if (!posted_.exchange(true))
+        juce::MessageManager::callAsync([call = shared_from_this()] { call->run(); });
 }
 
 void MessageCall::abandon() {
@@ -17,7 +18,7 @@ void MessageCall::abandon() {
 void MessageCall::run() {
     const juce::ScopedLock hold(lock_);
     posted_ = false;
-    const auto work = work_; // may abandon this call
+    const auto work = work_; // a copy: the work may abandon this call
     if (work) work();
 }
 

@@ -9,19 +9,19 @@
 
 namespace zarno {
 
-/// Work for the message thread that another thread asks for and may lose interest in. A message under way
-/// holds the call alive, not those whom the work is about: they abandon it before they go.
+/// Work that any thread posts to the message thread and may abandon. A posted message keeps this object
+/// alive, but not what the work refers to: the owner of that abandons the call in its destructor.
 class MessageCall : public std::enable_shared_from_this<MessageCall> {
   public:
     static std::shared_ptr<MessageCall> make(std::function<void()> work) {
         return std::make_shared<MessageCall>(std::move(work));
     }
 
-    /// Any thread; waits for nobody. The work runs once for all posts up to its start.
+    /// [any] Does not wait. Several posts before the work starts run it once.
     void post();
 
-    /// Any thread. Afterwards the work does not run, now or later: waits for its end when another thread is in
-    /// the middle of it. The work itself may do this too.
+    /// [any] After it returns the work neither runs nor will run: waits while the message thread runs it. The
+    /// work must therefore not wait for a user. The work itself may call this.
     void abandon();
 
     /// Use make.

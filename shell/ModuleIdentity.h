@@ -29,7 +29,7 @@ inline constexpr std::size_t textBytes = 16;
 inline constexpr std::size_t end = vendor + textBytes;
 } // namespace identityField
 
-/// What a module that nobody branded is.
+/// The identity of a module that has not been branded.
 const ModuleIdentity& builtInIdentity();
 
 /// True for a file with the stub ("MZ"); in other files the same offsets are live header fields.

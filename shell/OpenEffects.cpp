@@ -14,18 +14,18 @@ juce::MemoryBlock& OpenEffect::freshChunk() {
     return chunk;
 }
 
-void OpenEffects::add(Vst2::AEffect& effect, CZSP& processor) {
+void OpenEffects::add(Vst2::AEffect& effect, CZSP& processor, Vst2::audioMasterCallback host) {
     const std::lock_guard hold(adding_);
     Place* place = places_.get();
     while (place != nullptr && place->effect.load() != nullptr)
         place = place->next.get();
     if (place == nullptr) {
         auto made = std::make_unique<Place>();
-        made->next = std::move(places_); // those behind it stay where they are
+        made->next = std::move(places_); // the older places keep their addresses
         places_ = std::move(made);
         place = places_.get();
     }
-    place->open = std::make_unique<OpenEffect>(effect, processor);
+    place->open = std::make_unique<OpenEffect>(effect, processor, host);
     place->effect.store(&effect, std::memory_order_release);
     first_.store(places_.get(), std::memory_order_release);
 }

@@ -18,17 +18,19 @@ class CZSP;
 
 /// What the entry keeps about one effect that a host has opened.
 struct OpenEffect {
-    OpenEffect(Vst2::AEffect& effect, CZSP& opened)
+    OpenEffect(Vst2::AEffect& effect, CZSP& opened, Vst2::audioMasterCallback callback)
         : processor(opened)
+        , host(callback)
         , gate(effect)
         , wrapper(effect.dispatcher) {}
 
     CZSP& processor;
+    const Vst2::audioMasterCallback host;
     AudioGate gate;
     const Vst2::AEffectDispatcherProc wrapper;
     std::optional<WindowErrors> windowErrors; ///< while the editor is open
 
-    /// The state as of now. Stays where it is until the same thread asks again, whatever other threads do.
+    /// The state as of now. The block stays valid until the same thread asks again.
     juce::MemoryBlock& freshChunk();
 
   private:
@@ -40,14 +42,14 @@ struct OpenEffect {
 /// they are found by address.
 class OpenEffects {
   public:
-    void add(Vst2::AEffect& effect, CZSP& processor);
-    /// The effect is nobody's from now on. What was kept about it goes with the result.
+    void add(Vst2::AEffect& effect, CZSP& processor, Vst2::audioMasterCallback host);
+    /// find no longer returns the effect. The caller owns what was kept about it. Null for an unknown one.
     std::unique_ptr<OpenEffect> remove(const Vst2::AEffect* effect);
     /// [any] Null for one that is not open. Takes no lock: the audio thread asks, too.
     OpenEffect* find(const Vst2::AEffect* effect) const;
 
   private:
-    // One place for each effect that was ever open at the same time. Places are used again, never given back.
+    // As many places as effects were ever open at once. Places are reused and never freed while this lives.
     struct Place {
         std::atomic<const Vst2::AEffect*> effect{nullptr};
         std::unique_ptr<OpenEffect> open; // written before effect, read after it

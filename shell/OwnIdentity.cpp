@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Apart from the rest of the identity, which is pure: this asks the disk for the module's own file.
+// In a file of its own because it reads the module file; the rest of the identity is pure.
 #include "data/Limits.h"
 #include "platform/File.h"
 #include "platform/Module.h"

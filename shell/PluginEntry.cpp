@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// The one symbol a host looks for. The framework's wrapper does the work; its own entry goes by another name.
-// Ours stands before it and puts right what hosts are told.
+// The module's entry. JUCE's VST2 wrapper does the work under another name; this entry corrects what it tells the
+// host.
 #include "engine/VoiceKernel.h"
 #include "platform/DefaultArithmetic.h"
 #include "shell/CZSP.h"
@@ -68,7 +68,7 @@ Vst2::VstIntPtr giveChunk(OpenEffect& open, void* destination) {
     return static_cast<Vst2::VstIntPtr>(chunk.getSize());
 }
 
-// What the wrapper would answer wrongly or not at all; none for everything else.
+// The calls that JUCE's wrapper answers wrongly or not at all; none for all others.
 std::optional<Vst2::VstIntPtr> answer(OpenEffect& open, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
                                       Vst2::VstIntPtr value, void* pointer) {
     CZSP& processor = open.processor;
@@ -78,7 +78,7 @@ std::optional<Vst2::VstIntPtr> answer(OpenEffect& open, Vst2::VstInt32 opcode, V
     case Vst2::effSetProgram:
         processor.setCurrentProgram(static_cast<int>(value));
         return 0;
-    case Vst2::effSetBypass: // the wrapper's own flag is no atomic
+    case Vst2::effSetBypass: // JUCE's own flag is not atomic
         processor.setBypassed(value != 0);
         return 1;
     case Vst2::effGetProgram:
@@ -154,10 +154,10 @@ Vst2::VstIntPtr sendEvents(OpenEffect& open, Vst2::AEffect* effect, const HostCa
 
 Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::VstInt32 index,
                          Vst2::VstIntPtr value, void* pointer, float option) {
-    const DefaultArithmetic whateverTheHostUses;
+    const DefaultArithmetic scopedFpu;
     const HostCall call{opcode, index, value, pointer, option};
     OpenEffect* open = effects().find(effect);
-    if (open == nullptr || !makesSense(call)) return 0;
+    if (open == nullptr || !isValidHostCall(call)) return 0;
     switch (opcode) {
     case Vst2::effProcessEvents:
         return sendEvents(*open, effect, call);
@@ -178,9 +178,22 @@ Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::Vst
     return result;
 }
 
+// The wrapper asks only when it is turned on, but hosts begin a bounce without turning anything off. A host that
+// does not know the question answers 0: then the wrapper's answer stays.
+void takeProcessLevel(OpenEffect& open, Vst2::AEffect* effect) {
+    if (!open.gate.enter()) return;
+    const auto level = open.host(effect, Vst2::audioMasterGetCurrentProcessLevel, 0, 0, nullptr, 0.0f);
+    const bool offline = level == Vst2::kVstProcessLevelOffline;
+    if (level != 0 && offline != open.processor.engine().isOffline()) open.processor.setNonRealtime(offline);
+    open.gate.leave();
+}
+
 void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 frames) {
-    const DefaultArithmetic whateverTheHostUses;
-    if (OpenEffect* open = effects().find(effect)) open->gate.process(outputs, frames);
+    const DefaultArithmetic scopedFpu;
+    OpenEffect* open = effects().find(effect);
+    if (open == nullptr) return;
+    takeProcessLevel(*open, effect);
+    open->gate.process(outputs, frames);
 }
 
 } // namespace
@@ -188,12 +201,12 @@ void process(Vst2::AEffect* effect, float**, float** outputs, Vst2::VstInt32 fra
 
 ZARNO_EXPORT Vst2::AEffect* VSTPluginMain(Vst2::audioMasterCallback host) {
     using namespace zarno;
-    const DefaultArithmetic whateverTheHostUses;
+    const DefaultArithmetic scopedFpu;
     takeCreatedProcessor();
     Vst2::AEffect* effect = zarnoWrapperMain(host);
     CZSP* processor = takeCreatedProcessor();
     if (effect == nullptr || processor == nullptr) return effect;
-    effects().add(*effect, *processor);
+    effects().add(*effect, *processor, host);
     effect->dispatcher = dispatch;
     effect->processReplacing = process;
     effect->uniqueID = static_cast<Vst2::VstInt32>(processor->identity().uniqueId);

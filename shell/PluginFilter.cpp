@@ -18,7 +18,7 @@ CZSP* takeCreatedProcessor() {
 
 } // namespace zarno
 
-// The framework's wrappers call this by name.
+// JUCE's plug-in wrappers call this by name.
 juce::AudioProcessor* JUCE_CALLTYPE createPluginFilter() {
     zarno::created = new zarno::CZSP();
     return zarno::created;

@@ -5,8 +5,8 @@ namespace zarno {
 
 class CZSP;
 
-/// The processor that the framework has made on this thread since the last call; null when it made none. The
-/// framework's wrapper owns it and gives it to nobody else.
+/// The processor that JUCE has created on this thread since the last call; null when it created none. JUCE's
+/// wrapper owns it.
 CZSP* takeCreatedProcessor();
 
 } // namespace zarno

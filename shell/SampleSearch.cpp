@@ -3,23 +3,13 @@
 
 #include "platform/Folder.h"
 #include "platform/Paths.h"
+#include "platform/Utf8.h"
 #include "shell/SearchPath.h"
 
 #include <algorithm>
 
 namespace zarno {
 namespace {
-
-// Latin letters and those of Latin-1, which is what differs between file systems in practice.
-std::string folded(std::string text) {
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const bool afterC3 = i > 0 && static_cast<unsigned char>(text[i - 1]) == 0xC3;
-        if (byte >= 'A' && byte <= 'Z') text[i] = static_cast<char>(byte + 32);
-        if (afterC3 && byte >= 0x80 && byte <= 0x9E && byte != 0x97) text[i] = static_cast<char>(byte + 0x20);
-    }
-    return text;
-}
 
 bool isFileSystemRoot(const std::string& folder) {
     const bool isDrive = folder.size() <= 3 && folder.size() >= 2 && folder[1] == ':';
@@ -43,7 +33,7 @@ std::string SampleSearch::find(const std::string& missingPath) {
 #ifdef _WIN32
     if (!path.empty() && path.front() == '/') path = "c:" + path; // kept from where there are no drives
 #endif
-    const std::string name = fileName(path);
+    const std::string name = toUtf8(fileName(path));
     if (name.empty()) return {};
     std::string found = findBelow(parentPath(path), name, false);
     if (found.empty() && !places_.chosenFolder.empty()) found = findBelow(places_.chosenFolder, name, true);
@@ -67,7 +57,7 @@ std::string SampleSearch::findInFolder(const std::string& folder, const std::str
     for (; exact == walk.byName.end() && mayGoOn(walk, chosen); exact = walk.byName.find(name))
         stepInto(walk);
     if (exact != walk.byName.end()) return exact->second;
-    const auto similar = walk.byFoldedName.find(folded(name));
+    const auto similar = walk.byFoldedName.find(withFoldedCase(name));
     return similar == walk.byFoldedName.end() ? std::string() : similar->second;
 }
 
@@ -84,8 +74,9 @@ void SampleSearch::stepInto(Walk& walk) {
     const auto entries = listFolder(folder);
     for (const FolderEntry& entry : entries) {
         if (!entry.isFile) continue;
-        walk.byName.emplace(entry.name, joinPath(folder, entry.name));
-        walk.byFoldedName.emplace(folded(entry.name), joinPath(folder, entry.name));
+        const std::string name = toUtf8(entry.name);
+        walk.byName.emplace(name, joinPath(folder, entry.name));
+        walk.byFoldedName.emplace(withFoldedCase(name), joinPath(folder, entry.name));
     }
     // Backwards, since the last one is taken first. Links are not followed.
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)

@@ -25,15 +25,16 @@ class SampleSearch {
         double totalMs = limits::searchMs;       ///< all walks of one search together
         double placeMs = limits::unaskedPlaceMs; ///< one place that nobody chose
     };
-    /// When there is somebody to ask, and to wait.
+    /// With an editor open: the user can be asked, and sees why it takes so long.
     static constexpr Limits whileWatched{1e9, limits::watchedPlaceMs};
 
     /// `goOn` is asked at every folder.
     SampleSearch(Places places, Limits limits, std::function<bool()> goOn,
                  const Clock& clock = systemClock());
 
-    /// The full path of a file with the name of `missingPath`; one that differs only in case when no other is
-    /// there; empty when nothing is found.
+    /// The full path, in the bytes of the disk, of a file with the name of `missingPath`; one that differs only
+    /// in case when no other is there; empty when nothing is found. Names are compared as UTF-8, those in other
+    /// encodings as toUtf8 converts them.
     std::string find(const std::string& missingPath);
 
     /// The user says where to look from now on: a search path.

@@ -4,15 +4,15 @@
 namespace zarno {
 namespace {
 
-constexpr int patienceMs = 1000; // for another program that is writing
+constexpr int lockTimeoutMs = 1000; // for another process that is writing
 
-// Held for a whole read-change-write. The system's lock keeps programs apart, the other one the instances
-// within this one.
+// Held for a whole read-change-write. One lock keeps processes apart, the other the instances of this
+// process.
 class WriteLock {
   public:
     WriteLock()
         : hold_(withinProcess())
-        , has_(betweenProcesses().enter(patienceMs)) {}
+        , has_(betweenProcesses().enter(lockTimeoutMs)) {}
     ~WriteLock() {
         if (has_) betweenProcesses().exit();
     }
@@ -56,7 +56,7 @@ juce::String Settings::get(const juce::String& key, const juce::String& fallback
 void Settings::set(const juce::String& key, const juce::String& value) {
     if (!file_) return;
     const WriteLock lock;
-    const juce::ScopedLock hold(file_->getLock()); // which the framework does not take to reload
+    const juce::ScopedLock hold(file_->getLock()); // PropertiesFile::reload does not take it
     file_->reload();
     file_->setValue(key, value);
     file_->saveIfNeeded();

@@ -11,12 +11,11 @@ namespace settingKey {
 inline constexpr const char* missingFolder = "missing folder"; // where the user last found missing samples
 }
 
-/// Texts kept per user in one small file, shared by all instances of all programs: each change is written at
-/// once, on top of what others have written meanwhile, and read by all that ask later. Any thread that may
-/// read a file.
+/// Texts kept per user in one small file, shared by all instances in all processes. Each change is merged
+/// with the file and written at once; each read sees the latest file. [any thread that may read a file]
 class Settings {
   public:
-    /// An invalid file gives settings that keep nothing.
+    /// With an invalid file nothing is kept.
     explicit Settings(const juce::File& file);
     ~Settings();
 

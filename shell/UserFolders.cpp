@@ -31,11 +31,7 @@ std::string homeFolder() {
 }
 
 juce::File defaultSampleFolder() {
-#ifdef _WIN32
-    return juce::File("c:\\");
-#else
     return specialFolder(juce::File::userHomeDirectory);
-#endif
 }
 
 std::string userLibraryFolder() {

@@ -18,8 +18,7 @@ juce::File settingsFileLocation();
 /// The user's home folder.
 std::string homeFolder();
 
-/// Where looking for samples begins when the user has never said where they are: the first drive, or the home
-/// folder where there are no drives.
+/// Where the question for a sample folder starts when the user has never chosen one: the home folder.
 juce::File defaultSampleFolder();
 
 } // namespace zarno

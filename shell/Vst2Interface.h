@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-// The plug-in interface, in a namespace of its own as the framework has it. For the module's entry only,
+// The plug-in interface, in a namespace of its own as in JUCE. For the module's entry only,
 // where the wrapper's force-included names must not reach it.
 #undef VSTPluginMain
 #undef dllexport

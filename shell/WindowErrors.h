@@ -3,9 +3,9 @@
 
 namespace zarno {
 
-/// While it lives, what the window system refuses our window does not end the host's process: a host may
-/// destroy its own window, and ours with it, before it closes the editor. Errors of other connections go
-/// where they went before. For the thread that opens and closes editors.
+/// While it lives, X errors on our display connection are ignored. A host may destroy its own window, and
+/// ours with it, before it closes the editor; the default X error handler would then end the host's process.
+/// Errors of other connections go to the previous handler. [the thread that opens and closes editors]
 class WindowErrors {
   public:
     WindowErrors();

@@ -12,8 +12,8 @@
 namespace zarno {
 namespace {
 
-// The X library has one handler of errors for the whole process; its own ends the process.
-std::mutex mutex; // for all below but what the handler reads
+// Xlib has one error handler for the whole process; the default one ends the process.
+std::mutex mutex; // guards all below except what the handler reads
 int living = 0;
 bool installed = false;
 std::atomic<XErrorHandler> before{nullptr};
@@ -45,7 +45,7 @@ WindowErrors::~WindowErrors() {
     const XErrorHandler last = install(before);
     installed = last != handleError;
     if (!installed) return;
-    // Somebody else's stands before ours by now and may call it at any time.
+    // Another handler was installed after ours and may call ours at any time.
     install(last);
     keepModuleForever();
 }

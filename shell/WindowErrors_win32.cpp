@@ -3,7 +3,7 @@
 
 namespace zarno {
 
-// Here a call that fails says so to its caller, and to nobody else.
+// On Windows a failing call only returns an error to its caller.
 WindowErrors::WindowErrors() = default;
 WindowErrors::~WindowErrors() = default;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/EventQueue.h"
 #include "tests/support/AllocationCount.h"
+#include "tests/support/Gate.h"
 #include "tests/support/RandomInstrument.h"
 
 #include <gtest/gtest.h>
@@ -83,8 +84,9 @@ TEST(EventsAndBlocks, BlocksWithoutSamplesLeaveEventsWaitingAndOtherOutputsAreCl
     EXPECT_EQ(right, std::vector<float>(8, 0.5f));
 }
 
-// A song of random notes and controllers, the same for every block size, rendered offline.
-Stereo song(int blockSize) {
+// A song of random notes and controllers, the same for every block size, rendered offline: told so, or in a host
+// that only renders ten times too fast.
+Stereo song(int blockSize, bool told = true) {
     TestInstrument t(6);
     Chance chance(11);
     fillAtRandom(t, chance, true);
@@ -98,7 +100,7 @@ Stereo song(int blockSize) {
     damper.releaseDecayTime = 1000.0f;
     t.addLevel(0.1f, damper).record.ignoreVelocity = 0;
     t.engine.seedRandom(5);
-    t.engine.setOffline(true);
+    t.engine.setOffline(told);
     struct Due {
         int at, type, data1, data2;
     };
@@ -120,6 +122,7 @@ Stereo song(int blockSize) {
             t.engine.postEvent(events[next].type, 0, events[next].data1, events[next].data2,
                                static_cast<std::uint32_t>(events[next].at - begin));
         const Stereo block = t.render(end - begin, end - begin);
+        if (!told) t.clock.advance((end - begin) * -900.0 / 44100.0);
         whole.left.insert(whole.left.end(), block.left.begin(), block.left.end());
         whole.right.insert(whole.right.end(), block.right.begin(), block.right.end());
     }
@@ -132,6 +135,8 @@ TEST(EventsAndBlocks, OfflineTheBlockSizeChangesNothing) {
     for (const int blockSize : {1, 7, 64, 4096, 30000}) {
         const Stereo got = song(blockSize);
         EXPECT_TRUE(got.left == wanted.left && got.right == wanted.right) << blockSize;
+        const Stereo untold = song(blockSize, false);
+        EXPECT_TRUE(untold.left == wanted.left && untold.right == wanted.right) << blockSize << ", untold";
     }
 }
 
@@ -168,6 +173,36 @@ void postFromManyThreads() {
 TEST(EventsAndBlocks, CallersLoseNothingAndKeepTheirOwnOrder) {
     for (int round = 0; round < 20 && !HasFailure(); ++round)
         postFromManyThreads();
+}
+
+// The caller hangs in the middle of making the overflow list longer: what is in the ring comes all the same.
+TEST(EventsAndBlocks, ACallerThatTakesMemoryDoesNotHoldUpTheAudioThread) {
+    if (!allocationsAreCounted) GTEST_SKIP();
+    EventQueue queue;
+    constexpr std::uint32_t first = EventQueue::ringSize + 1, all = first + 1000;
+    std::vector<EngineEvent> events;
+    for (std::uint32_t n = 0; n < first; ++n)
+        queue.push({0, 0, 0, n});
+    Gate memory;
+    std::thread caller([&] {
+        const AllocationsPass through([&] { memory.pass(); });
+        for (std::uint32_t n = first; n < all; ++n)
+            queue.push({0, 0, 0, n});
+    });
+    ASSERT_TRUE(comesTrue([&] { return memory.waiting() == 1; }));
+    std::thread opener([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(500)); // for a queue that waits
+        memory.open();
+    });
+    queue.moveTo(events);
+    EXPECT_EQ(memory.waiting(), 1) << "it was waited for";
+    EXPECT_EQ(events.size(), EventQueue::ringSize);
+    caller.join();
+    opener.join();
+    queue.moveTo(events);
+    ASSERT_EQ(events.size(), all);
+    for (std::uint32_t n = 0; n < all; ++n)
+        ASSERT_EQ(events[n].sampleOffset, n);
 }
 
 TEST(EventsAndBlocks, WarmedUpNothingIsAllocated) {

@@ -38,7 +38,7 @@ TEST(HostileInstruments, AllThatASmallFileCanAskFor) {
             file.settings.polyphonyStored = polyphony;
             ZInstrument instrument;
             const LoadResult result = loadInstrument(instrument, folder.write("x.zse", file.bytes()));
-            EXPECT_TRUE(result.loaded) << result.reason;
+            EXPECT_TRUE(result.loaded) << sentence(result.problem);
             instrument.postEvent(midi::noteOn, 0, 60, 100, 0);
             float left[64], right[64];
             float* outputs[] = {left, right};

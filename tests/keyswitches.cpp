@@ -92,6 +92,35 @@ TEST(Keyswitches, ControllersAndProgramsCountFromTheNextEventOn) {
     EXPECT_THAT(s.active(), ElementsAre(1));
 }
 
+TEST(Keyswitches, ReleasingAllNotesLeavesTheActiveGroups) {
+    GroupRecord onChannel3 = trigger(channel);
+    onChannel3.channel = 3;
+    Switches s{onChannel3, trigger(channel)};
+    s.t.noteOn(60, 100, 0, 3);
+    s.t.controller(64, 127, 0, 3);
+    s.t.noteOff(60, 0, 3);
+    EXPECT_GT(s.t.next(), 0.0f) << "held by the pedal";
+    s.t.engine.requestRelease();
+    EXPECT_THAT(s.active(), ElementsAre(0));
+    EXPECT_EQ(s.t.framesUntilSilence(), 0);
+    EXPECT_EQ(s.t.engine.controllerValue(64), 0);
+    s.t.noteOn(60, 100, 0, 3);
+    s.t.noteOff(60, 0, 3);
+    EXPECT_EQ(s.t.next(), 0.0f) << "the pedal is up";
+}
+
+TEST(Keyswitches, ARequestedGroupIsTheCurrentOneBeforeTheNextBlock) {
+    Switches s{trigger(manual), trigger(manual), trigger(manual)};
+    s.t.engine.activateGroup(s.t.engine.groups()[0].get());
+    s.t.engine.requestActiveGroups({2, 1});
+    EXPECT_EQ(s.t.engine.currentGroupIndex(), 1);
+    EXPECT_THAT(s.active(), ElementsAre(1, 2));
+    EXPECT_EQ(s.t.engine.currentGroupIndex(), 1);
+    s.t.engine.requestActiveGroups({});
+    EXPECT_EQ(s.t.engine.currentGroupIndex(), -1);
+    EXPECT_THAT(s.active(), ElementsAre());
+}
+
 TEST(Keyswitches, EveryEventsChannelDecides) {
     GroupRecord first = trigger(channel), second = trigger(channel);
     second.channel = 3;

@@ -186,6 +186,9 @@ TEST(Modulation, AutoPanTurnsDownTheFarSide) {
     EXPECT_EQ(out.right[10], 0.5f);
     EXPECT_EQ(out.left[190], 0.5f);
     EXPECT_EQ(out.right[190], 0.125f);
+    t.engine.settings().lfoDepth = 0;
+    for (int frame = 0; frame < 256; ++frame, t.next())
+        EXPECT_FALSE(std::signbit(t.engine.settings().pan.load()) && frame > 0) << "a saved project would change";
 }
 
 } // namespace

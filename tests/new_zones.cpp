@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "data/load/LoadProblem.h"
 #include "data/load/ZoneBuilder.h"
 #include "data/sound/ZWaveFile.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/WaveBuilder.h"
 
 #include <gtest/gtest.h>
-
-#include <new>
 
 namespace zarno {
 namespace {
@@ -65,8 +64,8 @@ TEST(NewZones, MayTakeTheirShareOfMemoryAndNoMore) {
         };
         ZoneBuilder enough(settings, {}, 20), tooLittle(settings, {}, 19);
         EXPECT_NO_THROW(build(enough, a));
-        EXPECT_THROW(build(enough, b), std::bad_alloc);
-        EXPECT_THROW(build(tooLittle, a), std::bad_alloc);
+        EXPECT_THROW(build(enough, b), LimitExceeded);
+        EXPECT_THROW(build(tooLittle, a), LimitExceeded);
     }
 }
 

@@ -91,7 +91,7 @@ struct Damper {
 
 TEST(NoteOffAndPedal, ReleaseNoiseFadesWithTheLengthOfTheNote) {
     Damper damper(1000);
-    EXPECT_EQ(damper.velocityAfter(0), 100);
+    EXPECT_EQ(damper.velocityAfter(5), 99); // 99.5
     EXPECT_EQ(damper.velocityAfter(255), 74); // 74.5
     EXPECT_EQ(damper.velocityAfter(895), 10);
     EXPECT_EQ(damper.velocityAfter(1000), 0);

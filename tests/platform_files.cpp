@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/File.h"
+#include "platform/Folder.h"
+#include "platform/Machine.h"
 #include "platform/Paths.h"
 #include "platform/Utf8.h"
 
@@ -69,6 +71,18 @@ TEST_F(PlatformFiles, NamesFromBeforeUnicodeOpen) {
     const auto latin1 = utf8(folder_) + "/Fl\xF6te.wav";
     EXPECT_EQ(firstBytes(latin1), "reed");
     EXPECT_TRUE(isRegularFile(latin1));
+#ifndef _WIN32 // each part of a path may be in its own encoding
+    fs::create_directories(folder_ / "alt \xFC" / "n\u00F6u");
+    write(folder_ / "alt \xFC" / "n\u00F6u" / "\xE9.wav", "raw");
+    for (const char* name : {"/alt \u00FC/n\u00F6u/\u00E9.wav", "/alt \xFC/n\xF6u/\xE9.wav"}) {
+        EXPECT_EQ(firstBytes(utf8(folder_) + name), "raw");
+        EXPECT_TRUE(isRegularFile(utf8(folder_) + name));
+        EXPECT_NE(fileIdentity(utf8(folder_) + name), "");
+    }
+    EXPECT_EQ(listFolder(utf8(folder_) + "/alt \u00FC/n\u00F6u").at(0).name, "\xE9.wav");
+    EXPECT_EQ(toUtf8Path("/alt \xFC/n\u00F6u/\xE9.wav"), "/alt \u00FC/n\u00F6u/\u00E9.wav");
+    EXPECT_FALSE(isRegularFile(utf8(folder_) + "/alt \u00FC/\u30D4.wav"));
+#endif
 }
 
 TEST_F(PlatformFiles, PathsBeyondTheClassicLimitOpen) {
@@ -189,6 +203,8 @@ TEST(PlatformText, OnlyWellFormedUtf8IsTakenAsUtf8) {
         EXPECT_FALSE(isValidUtf8(bad)) << testing::PrintToString(bad);
     EXPECT_EQ(utf8FromLatin1("Fl\xF6te\xFF"), "Flöteÿ");
     EXPECT_TRUE(isValidUtf8(toUtf8("\x80\xF6\xFF")));
+    EXPECT_EQ(latin1FromUtf8("Fl\u00F6te\u00FF"), "Fl\xF6te\xFF");
+    EXPECT_EQ(latin1FromUtf8("\u0100") + latin1FromUtf8("\xF6"), "");
 }
 
 } // namespace

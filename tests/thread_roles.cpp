@@ -5,9 +5,12 @@
 
 #if defined(ZARNO_THREAD_CHECKS)
 
+#include "data/load/InstrumentLoader.h"
+#include "data/load/LicenceCheck.h"
+#include "data/load/ReadAhead.h"
+#include "data/load/ZoneBuilder.h"
 #include "data/stream/DiskThread.h"
-#include "data/stream/StreamServer.h"
-#include "engine/ZInstrument.h"
+#include "tests/support/StreamingInstrument.h"
 
 #include <gtest/gtest.h>
 
@@ -36,13 +39,28 @@ TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
     Refill refill;
     RefillSlot::Ticket ticket = 0;
     StreamBuffer buffer;
+    EventQueue queue;
+    std::vector<EngineEvent> events;
+    ZGroup group("group");
+    ZRandom random(1);
+    ZZone zone;
+    const TestSample sample = TestSample::level(0.5f, 100);
+    zone.sound = std::make_shared<MemorySound>(sample.memory);
+    zone.chunkFrames = 10;
+    zone.mono = true;
+    AllowEverything licence;
+    ReadAhead ahead;
+    ZoneBuilder builder(instrument.settings());
+    LoadResult result;
+    float left = 0.0f, right = 0.0f;
     using namespace thread;
-    const unsigned any = ~0u;
+    const unsigned any = ~0u, reading = reader | loading;
     const Tagged rows[] = {
         {"renderBlock", audio, [&] { instrument.renderBlock(nullptr, 0, 64); }},
         {"postEvent", any, [&] { instrument.postEvent(midi::noteOn, 0, 60, 100, 0); }},
         {"setSampleRate", any, [&] { instrument.setSampleRate(48000.0f); }},
         {"requestStop", any, [&] { instrument.requestStop(); }},
+        {"requestRelease", any, [&] { instrument.requestRelease(); }},
         {"resetControllers", any, [&] { instrument.resetControllers(0); }},
         {"playingVoices", any, [&] { instrument.playingVoices(); }},
         {"requestActiveGroups", any & ~(audio | disk), [&] { instrument.requestActiveGroups({}); }},
@@ -55,17 +73,40 @@ TEST(ThreadRoles, ACallFromTheWrongThreadIsNoticed) {
         {"createGroup", loading, [&] { instrument.createGroup("made"); }},
         {"setLoading", loading, [&] { instrument.setLoading(false); }},
         {"ZInstrument", any & ~(audio | disk), [] { ZInstrument(); }},
+        {"readInstrument", reading, [&] { readInstrument(contents, "nowhere.zse", {}); }},
+        {"takeOver", loading, [&] { takeOver(instrument, contents, result); }},
+        {"loadInstrument", loading, [&] { loadInstrument(instrument, "nowhere.zse"); }},
+        {"licence.allows", reading, [&] { licence.allows({}, {}, nullptr); }},
+        {"ahead.add", reading, [&] { ahead.add("nowhere.wav", 0, 1); }},
+        {"ahead.reach", reading, [&] { ahead.reach(0); }},
+        {"fromWaveFile", reading, [&] { builder.fromWaveFile("nowhere.wav"); }},
+        {"fromBlock", reading, [&] { builder.fromBlock("nowhere", nullptr, 0); }},
+        {"recordChanged", reading, [&] { builder.recordChanged(zone); }},
+        {"readPreload", reading, [&] { readPreload(zone, false); }},
+        {"addZone", reading, [&] { group.addZone(std::make_unique<ZZone>()); }},
+        {"touch", any, [&] { group.touch(); }},
+        {"mayMatch", audio, [&] { group.mayMatch(60, 100); }},
+        {"selectZone", audio, [&] { group.selectZone(60, 100, random); }},
+        {"gains", audio, [&] { zone.gains(44100.0, 0); }},
+        {"queue.push", any, [&] { queue.push({}); }},
+        {"queue.moveTo", audio, [&] { queue.moveTo(events); }},
+        {"queue.clear", audio | loading, [&] { queue.clear(); }},
         {"pause", any & ~(audio | disk), [&] { StreamServer::Pause{server}; }},
         {"allocate", loading, [&] { server.allocate(1, 64, true); }},
-        {"beginBlock", audio, [&] { server.beginBlock(false, 0.0); }},
+        {"beginBlock", audio, [&] { server.beginBlock({}); }},
         {"awaitBuffer", audio, [&] { server.awaitBuffer(slot); }},
+        {"zonesChange", loading, [&] { server.zonesChange(); }},
+        {"hurry", any, [&] { server.hurry(); }},
         {"serve", disk, [&] { server.serviceStreams(); }},
         {"stats", any, [&] { server.stats(); }},
         {"slot.post", audio | loading, [&] { slot.post({}); }},
         {"slot.isReady", audio | loading, [&] { slot.isReady(); }},
+        {"slot.cancel", audio | loading, [&] { slot.cancel(); }},
+        {"slot.isCurrent", disk, [&] { slot.isCurrent(0); }},
         {"slot.take", disk, [&] { slot.take(refill, ticket); }},
         {"slot.complete", disk, [&] { slot.complete(ticket); }},
         {"buffer.allocate", loading, [&] { buffer.allocate(64, true); }},
+        {"buffer.readFrame", audio, [&] { buffer.readFrame(0, true, left, right); }},
     };
     for (const Tagged& row : rows)
         for (const Role role : {audio, loading, disk, message, reader}) {

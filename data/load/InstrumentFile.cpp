@@ -30,8 +30,8 @@ class Parser {
     void body();
 
   private:
-    bool stop(std::string reason);
-    bool endsIn(const std::string& what) { return stop("the file ends in " + what); }
+    bool stop(Incomplete::Cause cause, std::string reason);
+    bool endsIn(const std::string& what);
     template <typename T>
     bool value(T& field, const char* what);
     bool text(StoredText& field, std::size_t limit, const std::string& what);
@@ -53,9 +53,14 @@ class Parser {
     std::unordered_map<std::string, std::size_t> blockOf_;
 };
 
-bool Parser::stop(std::string reason) {
-    if (!out_.incomplete) out_.incomplete = Incomplete{in_.position(), std::move(reason)};
+bool Parser::stop(Incomplete::Cause cause, std::string reason) {
+    if (!out_.incomplete) out_.incomplete = Incomplete{in_.position(), std::move(reason), cause};
     return false;
+}
+
+bool Parser::endsIn(const std::string& what) {
+    if (in_.readFailed()) return stop(Incomplete::Cause::ReadError, "the file cannot be read in " + what);
+    return stop(Incomplete::Cause::EndOfFile, "the file ends in " + what);
 }
 
 template <typename T>
@@ -98,7 +103,8 @@ bool Parser::image() {
 
 bool Parser::licences() {
     if (!value(out_.licenceCount, "the licence count")) return false;
-    if (out_.licenceCount > limits::licenceTexts) return stop("it states too many licence texts");
+    if (out_.licenceCount > limits::licenceTexts)
+        return stop(Incomplete::Cause::Limit, "it states too many licence texts");
     reserve(out_.licences, out_.licenceCount, 1);
     for (std::int32_t i = 0; i < out_.licenceCount; ++i) {
         StoredText licence;

@@ -50,10 +50,13 @@ struct GroupEntry {
     std::vector<ZoneEntry> zones;
 };
 
-/// Where and why an instrument file stopped short.
+/// Where and why reading an instrument file stopped before the instrument's end.
 struct Incomplete {
+    enum class Cause { EndOfFile, ReadError, Limit };
+
     std::uint64_t offset = 0;
-    std::string reason;
+    std::string reason; ///< the part of the file, in words
+    Cause cause = Cause::EndOfFile;
 };
 
 /// An instrument file's whole structure as plain values, without the sample data.

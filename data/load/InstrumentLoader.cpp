@@ -13,12 +13,16 @@
 #include "engine/ZInstrument.h"
 #include "platform/File.h"
 #include "platform/Paths.h"
+#include "platform/ThreadRole.h"
+#include "platform/Utf8.h"
 
 #include <algorithm>
 #include <new>
 
 namespace zarno {
 namespace {
+
+using Kind = LoadProblem::Kind;
 
 // Keeps the disk thread out for the time of a load, unless the caller does already.
 class BusyMark {
@@ -48,12 +52,13 @@ class Load {
         , result_(result) {}
 
     bool readFile();
+    void noteEarlyEnd();
     void fillHeader();
     bool isAllowed();
     bool makeGroups();
 
   private:
-    bool fail(const char* reason);
+    bool fail(LoadProblem::Kind kind);
     std::string samplePath(const ZoneEntry& zone) const;
     void planReadAhead();
     bool makeZone(ZGroup& group, const GroupEntry& entry, std::size_t zoneIndex, std::size_t groupIndex);
@@ -80,20 +85,41 @@ class Load {
     std::string groupName_, sampleName_;
 };
 
-bool Load::fail(const char* reason) {
-    result_.reason = reason;
+bool Load::fail(LoadProblem::Kind kind) {
+    result_.problem = {};
+    result_.problem.kind = kind;
+    result_.problem.file = path_;
     return false;
 }
 
 bool Load::readFile() {
     file_ = std::make_shared<const File>(path_);
-    if (!file_->isOpen()) return fail(describe(InstrumentFile::Refusal::CannotOpen));
+    if (!file_->isOpen()) return fail(pathExists(path_) ? Kind::CannotOpen : Kind::NotFound);
     result_.opened = true;
     if (options_.opened) options_.opened();
     Bytes bytes(*file_);
     const InstrumentFile::Refusal refusal = contents_.parse(bytes, options_.alive);
     if (!contents_.isEmbedded()) file_.reset();
-    return refusal == InstrumentFile::Refusal::None || fail(describe(refusal));
+    if (refusal == InstrumentFile::Refusal::NotAnInstrument) return fail(Kind::NotAnInstrument);
+    if (refusal == InstrumentFile::Refusal::TooNew) {
+        fail(Kind::TooNew);
+        result_.problem.number = contents_.version;
+        return false;
+    }
+    noteEarlyEnd();
+    return true;
+}
+
+// The instrument loads all the same, as far as it could be read.
+void Load::noteEarlyEnd() {
+    if (!contents_.incomplete) return;
+    using Cause = Incomplete::Cause;
+    const Incomplete& incomplete = *contents_.incomplete;
+    LoadProblem& problem = result_.problem;
+    problem = {Kind::CutShort, path_, incomplete.offset, 0, incomplete.reason};
+    if (incomplete.cause == Cause::ReadError) problem.kind = Kind::CannotRead;
+    if (incomplete.cause == Cause::Limit)
+        problem = {Kind::LimitExceeded, path_, incomplete.offset, limits::licenceTexts, "licence texts"};
 }
 
 void Load::fillHeader() {
@@ -124,11 +150,13 @@ bool Load::isAllowed() {
     AllowEverything everything;
     LicenceCheck& check = options_.licence ? *options_.licence : everything;
     return check.allows(target_.texts.licences, options_.enteredText, options_.delegate) ||
-           fail("the licence does not allow it");
+           fail(Kind::NotLicensed);
 }
 
+// UTF-8 from here on, for opening, searching and telling. First, since in some code pages a backslash is the
+// second byte of a letter.
 std::string Load::samplePath(const ZoneEntry& zone) const {
-    return fromBackslashForm(resolveSamplePath(std::string(zone.sample.text()), instrumentPath_));
+    return fromBackslashForm(resolveSamplePath(toUtf8(zone.sample.text()), instrumentPath_));
 }
 
 // Preloads are small pieces of many files, or of one large file.
@@ -156,7 +184,7 @@ bool Load::makeGroups() {
         ZGroup& group = *target_.groups.emplace_back(std::make_unique<ZGroup>(groupName_));
         group.record = entry.record;
         for (std::size_t z = 0; z < entry.zones.size(); ++z)
-            if (!makeZone(group, entry, z, g)) return fail("the load was cancelled");
+            if (!makeZone(group, entry, z, g)) return fail(Kind::Cancelled);
         group.touch();
     }
     return true;
@@ -224,24 +252,29 @@ bool Load::report() const {
 } // namespace
 
 LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options) {
+    thread::mustBe(thread::reader | thread::loading);
     LoadResult result;
     try {
         Load load(contents, path, options, result);
         if (!load.readFile()) return result;
         load.fillHeader();
         result.loaded = load.isAllowed() && load.makeGroups();
+    } catch (const LimitExceeded& excess) {
+        result.problem = {Kind::LimitExceeded, path, 0, excess.most, excess.what()};
     } catch (const std::bad_alloc&) {
-        result.reason = "there is not enough memory";
+        result.problem = {Kind::OutOfMemory, path, 0, 0, {}};
     }
     return result;
 }
 
 bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result) {
+    thread::mustBe(thread::loading);
+    const std::string path = contents.texts.path;
     try {
         instrument.exchange(contents);
     } catch (const std::bad_alloc&) {
         result.loaded = false;
-        result.reason = "there is not enough memory";
+        result.problem = {Kind::OutOfMemory, path, 0, 0, {}};
     }
     if (!result.loaded) return false;
     if (!instrument.groups().empty()) instrument.activateGroup(instrument.groups().front().get());

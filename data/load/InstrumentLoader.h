@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "data/load/LoadProblem.h"
+
 #include <functional>
 #include <string>
 #include <vector>
@@ -12,12 +14,12 @@ class ZInstrument;
 class ZSEDelegate;
 struct InstrumentContents;
 
-/// How a load ended. What the user is told about it is the caller's business.
+/// How a load ended. The caller decides what the user is told.
 struct LoadResult {
     bool loaded = false;
     bool opened = false;                  ///< the file could be opened: what was loaded before has to go
-    std::string reason;                   ///< why not loaded, for people; empty when it was
-    std::vector<std::string> missing;     ///< paths of samples that were not found; their zones are left out
+    LoadProblem problem;                  ///< why not loaded; or, when loaded, what ended reading early
+    std::vector<std::string> missing;     ///< UTF-8 paths of samples not found; their zones are left out
     std::vector<std::string> unsupported; ///< the same for samples that are there but cannot be read
 
     explicit operator bool() const { return loaded; }
@@ -32,22 +34,20 @@ struct LoadOptions {
     std::function<void()> alive;     ///< called now and then until the delegate is: the file answers
 };
 
-/// Reads the instrument file at `path` (native form, UTF-8) into `contents`, which is to be fresh. A file
+/// [reader, loading] Reads the instrument file at `path` (native form, UTF-8) into `contents`, which is to be fresh. A file
 /// that ends early is read as far as it goes and marked in the texts. A load that fails, is cancelled or runs
 /// out of memory leaves what was read so far. The delegate is asked between samples and between the chunks of
 /// a large one whether to go on. Touches nothing but its arguments. Never throws.
 LoadResult readInstrument(InstrumentContents& contents, const std::string& path, const LoadOptions& options);
 
-/// Hands what was read to `instrument`, as far as it goes; of a load that succeeded the first group is made
+/// [loading] Hands what was read to `instrument`, as far as it goes; of a load that succeeded the first group is made
 /// active. What the instrument held before is in `contents` afterwards. Corrects `result`, and returns
 /// whether the instrument is loaded. While the caller keeps the audio thread out of the instrument.
 bool takeOver(ZInstrument& instrument, InstrumentContents& contents, LoadResult& result);
 
 /// Fills `instrument` likewise, with its delegate. A file that cannot be opened leaves the instrument
 /// untouched; one that is refused leaves it cleared, but for what was read. `enteredText` is the licence text
-/// that the user entered.
-///
-/// Loading thread, while the caller keeps the audio thread out of the instrument.
+/// that the user entered. [loading] while the caller keeps the audio thread out of the instrument.
 LoadResult loadInstrument(ZInstrument& instrument, const std::string& path, const std::string& enteredText,
                           LicenceCheck& licence);
 /// The same with every licence allowed.

@@ -2,6 +2,7 @@
 #include "data/load/ReadAhead.h"
 
 #include "platform/File.h"
+#include "platform/ThreadRole.h"
 
 #include <utility>
 
@@ -13,14 +14,17 @@ constexpr std::size_t zonesAhead = 16;
 } // namespace
 
 void ReadAhead::add(std::string path, std::uint64_t offset, std::uint64_t bytes) {
+    thread::mustBe(thread::reader | thread::loading);
     pieces_.push_back({nullptr, std::move(path), offset, bytes});
 }
 
 void ReadAhead::add(std::shared_ptr<const File> file, std::uint64_t offset, std::uint64_t bytes) {
+    thread::mustBe(thread::reader | thread::loading);
     pieces_.push_back({std::move(file), {}, offset, bytes});
 }
 
 void ReadAhead::reach(std::size_t zone) {
+    thread::mustBe(thread::reader | thread::loading);
     for (; next_ < pieces_.size() && next_ <= zone + zonesAhead; ++next_) {
         const Piece& piece = pieces_[next_];
         if (piece.file) {

@@ -11,7 +11,8 @@ namespace zarno {
 class File;
 
 /// Lets the disk work on the preloads of the next zones while one is being read: opening many small pieces of
-/// cold files one after the other would wait for each. Only a hint: nothing is read here. Loading thread.
+/// cold files one after the other would wait for each. Only a hint: nothing is read here.
+/// [reader, loading]
 class ReadAhead {
   public:
     /// The next zone's piece: of the wave at `path`, or of `file` when there is one.

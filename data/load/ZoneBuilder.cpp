@@ -1,12 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "data/load/ZoneBuilder.h"
 
+#include "data/load/LoadProblem.h"
 #include "data/sound/SampleConvert.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
 #include "data/sound/ZWaveFile.h"
 #include "data/stream/ChunkFill.h"
 #include "data/stream/StreamPoints.h"
 #include "platform/Machine.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <new>
@@ -14,7 +16,8 @@
 namespace zarno {
 namespace {
 
-constexpr float newZoneRelease = 100.0f;    // ms
+constexpr float newZoneRelease = 100.0f; // ms
+constexpr std::uint64_t megabyte = 1000000;
 constexpr std::uint64_t floatChunk = 16384; // frames read at a time: what stays in the cache
 constexpr std::uint64_t shortChunk = 262144;
 
@@ -77,7 +80,7 @@ std::uint64_t ZoneBuilder::shareOfMemory() {
 // Before memory is asked for: systems promise more than they have, and then end the program that believes
 // them.
 void ZoneBuilder::take(std::uint64_t bytes) {
-    if (bytes > bytesLeft_) throw std::bad_alloc();
+    if (bytes > bytesLeft_) throw LimitExceeded(mostBytes_ / megabyte, "megabytes of memory for its samples");
     bytesLeft_ -= bytes;
 }
 
@@ -90,6 +93,7 @@ const std::string& ZoneBuilder::identityOf(const std::string& wavePath) {
 }
 
 std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
+    thread::mustBe(thread::reader | thread::loading);
     auto sound = std::make_unique<ZWaveFile>();
     sound->open(path);
     auto zone = build(std::move(sound), identityOf(path));
@@ -99,6 +103,7 @@ std::unique_ptr<ZZone> ZoneBuilder::fromWaveFile(const std::string& path) {
 
 std::unique_ptr<ZZone> ZoneBuilder::fromBlock(const std::string& sampleName, std::shared_ptr<const File> file,
                                               std::uint64_t position) {
+    thread::mustBe(thread::reader | thread::loading);
     auto sound = std::make_unique<ZEmbeddedSoundFile>();
     sound->open(sampleName, std::move(file), position);
     // No path holds a zero byte, so that a block is never taken for a file.
@@ -152,6 +157,7 @@ bool ZoneBuilder::askToGoOn() {
 }
 
 void ZoneBuilder::recordChanged(ZZone& zone) {
+    thread::mustBe(thread::reader | thread::loading);
     if (!zone.streaming) return;
     const auto wave = identities_.find(zone.sound->path());
     auto& known = shared_[preloadKey(wave == identities_.end() ? zone.sound->path() : wave->second, zone)];
@@ -173,7 +179,9 @@ void ZoneBuilder::countPreload(const ZZone& zone) {
     preloadAllowance_ += std::max(limits::preloadFrames, 4 * zone.lengthInFrames) * frameBytes;
     preloadBytes_ += preload.bytes();
     take(preload.bytes());
-    if (preloadBytes_ > preloadAllowance_) throw std::bad_alloc();
+    if (preloadBytes_ > preloadAllowance_)
+        throw LimitExceeded(preloadAllowance_ / megabyte,
+                            "megabytes of memory for the first parts of its samples");
 }
 
 } // namespace zarno

@@ -16,8 +16,8 @@ namespace zarno {
 /// Makes zones from sound files and puts their frames into memory, in the width that the settings' 16-bit
 /// flag asks for: whole samples, or of a streaming instrument the zones' preloads. Zones that need the same
 /// frames share their memory for as long as the builder lives. Throws std::bad_alloc when a sample does not
-/// fit into memory, or all of them together not into the share of the machine's that samples may have.
-/// Loading thread.
+/// fit into memory, and LimitExceeded when all of them together take more than `mostBytes`, or the preloads
+/// more than limits::preloadBytes beyond their allowance. [reader, loading]
 class ZoneBuilder {
   public:
     /// `goOn` is asked between the chunks of large samples; after a false the zone in hand is of no use, and
@@ -26,6 +26,7 @@ class ZoneBuilder {
                          std::uint64_t mostBytes = shareOfMemory())
         : settings_(settings)
         , goOn_(std::move(goOn))
+        , mostBytes_(mostBytes)
         , bytesLeft_(mostBytes) {}
 
     bool wasStopped() const { return stopped_; }
@@ -56,6 +57,7 @@ class ZoneBuilder {
     bool stopped_ = false;
     std::unordered_map<std::string, std::weak_ptr<SampleMemory>> shared_;
     std::unordered_map<std::string, std::string> identities_; // of wave files, by path
+    const std::uint64_t mostBytes_;
     std::uint64_t bytesLeft_;
     std::uint64_t preloadBytes_ = 0, preloadAllowance_ = limits::preloadBytes;
 };

@@ -5,6 +5,7 @@
 #include "data/stream/StreamPoints.h"
 #include "engine/ZZone.h"
 #include "platform/Clock.h"
+#include "platform/ThreadRole.h"
 
 #include <algorithm>
 #include <cstring>
@@ -88,6 +89,7 @@ bool needsFile(const StreamPoints& points, std::uint64_t frame, std::uint64_t ch
 
 ChunkResult fillChunk(ZSoundFile& sound, const StreamPoints& points, std::uint64_t frame,
                       const ChunkTarget& target, const std::function<bool(std::size_t)>& goOn) {
+    thread::mustNotBe(thread::audio | thread::message);
     if (!needsFile(points, frame, target.frames)) {
         std::memset(target.frame0, 0, static_cast<std::size_t>(target.frames) * target.frameBytes());
         return ChunkResult::Filled;
@@ -114,6 +116,7 @@ void writeSeamBehind(const ChunkTarget& target) {
 }
 
 std::shared_ptr<SampleMemory> readPreload(ZZone& zone, bool sixteenBit, const std::function<bool()>& goOn) {
+    thread::mustBe(thread::reader | thread::loading);
     const StreamPoints points(zone.record, zone.lengthInFrames);
     const auto chunk = static_cast<std::uint64_t>(zone.chunkFrames);
     // Behind a sample that ends within its first chunk there is only silence, which reads the same without

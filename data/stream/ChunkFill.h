@@ -32,7 +32,7 @@ enum class ChunkResult {
 
 /// Fills `target` with the frames from `frame` on, the loop unrolled, silence where the file holds nothing.
 /// Opens the sound file and closes it again. After each read `goOn` is told the bytes read and says whether
-/// to continue. Touches nothing but its arguments. One thread at a time may fill from one sound.
+/// to continue. Touches nothing but its arguments. Any thread that may read files, one at a time from one sound.
 ChunkResult fillChunk(ZSoundFile& sound, const StreamPoints& points, std::uint64_t frame,
                       const ChunkTarget& target, const std::function<bool(std::size_t bytesRead)>& goOn);
 
@@ -41,7 +41,7 @@ ChunkResult fillChunk(ZSoundFile& sound, const StreamPoints& points, std::uint64
 void writeSeamBefore(const ChunkTarget& target);
 void writeSeamBehind(const ChunkTarget& target);
 
-/// Reads the frames that a streaming zone keeps in memory: the first chunk from its start frame on, or what
+/// [reader, loading] Reads the frames that a streaming zone keeps in memory: the first chunk from its start frame on, or what
 /// there is of it. Null when the sound file does not open or `goOn`, asked after each read, says no. Throws
 /// std::bad_alloc.
 std::shared_ptr<SampleMemory> readPreload(

@@ -8,6 +8,7 @@
 #include "platform/ThreadRole.h"
 
 #include <algorithm>
+#include <cmath>
 #include <new>
 
 namespace zarno {
@@ -17,7 +18,7 @@ namespace {
 constexpr int fillsPerTurn = 32;
 
 // Between two looks at whether the disk still moves.
-constexpr unsigned longestStepMs = 100;
+constexpr double longestStepMs = 100.0;
 
 } // namespace
 
@@ -42,10 +43,10 @@ void StreamServer::allocate(int voices, std::int32_t chunkFrames, bool sixteenBi
     waiting_.reserve(2 * buffers_->rings.size());
 }
 
-void StreamServer::beginBlock(bool offline, double renderedMs) {
+void StreamServer::beginBlock(const Block& block) {
     thread::mustBe(thread::audio);
-    offline_ = offline;
-    renderedMs_ = renderedMs;
+    block_ = block;
+    lead_.beginBlock(block.renderedMs, clock_.nowMs(), block.lengthMs);
 }
 
 void StreamServer::voiceStarted() {
@@ -64,7 +65,9 @@ void StreamServer::wakeDiskThread() {
 
 bool StreamServer::awaitBuffer(const RefillSlot& slot) {
     thread::mustBe(thread::audio);
-    return slot.isReady() || (offline_ && waitWhileDiskMoves(slot));
+    if (slot.isReady()) return true;
+    const double longestMs = block_.offline ? patience_.longestMs : lead_.waitMs(clock_.nowMs());
+    return longestMs > 0.0 && waitWhileDiskMoves(slot, std::min(longestMs, patience_.longestMs));
 }
 
 void StreamServer::hurry() {
@@ -78,21 +81,22 @@ std::uint64_t StreamServer::signOfLife() const {
     return gate_.isReading() ? ours | reads_.load(std::memory_order_relaxed) : DiskThread::reads();
 }
 
-bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot) {
+bool StreamServer::waitWhileDiskMoves(const RefillSlot& slot, double longestMs) {
     // Given up before, and nothing was read for us since: one dead disk delays a bounce once, not at every
     // buffer.
     if (reads_.load(std::memory_order_relaxed) == stalledAt_) return false;
     const double began = systemClock().nowMs();
-    double movedAt = began;
+    double now = began, movedAt = began;
     std::uint64_t seen = signOfLife();
-    while (!slot.isReady() && hurries_.load(std::memory_order_relaxed) == 0) {
-        filled_.wait(std::min(longestStepMs, static_cast<unsigned>(patience_.stallMs)));
-        const double now = systemClock().nowMs();
+    while (!slot.isReady() && hurries_.load(std::memory_order_relaxed) == 0 && now - began < longestMs) {
+        const double stepMs = std::min({longestMs - (now - began), patience_.stallMs, longestStepMs});
+        filled_.wait(static_cast<unsigned>(std::ceil(stepMs)));
+        now = systemClock().nowMs();
         if (const std::uint64_t sign = signOfLife(); sign != seen) {
             seen = sign;
             movedAt = now;
         }
-        if (now - movedAt > patience_.stallMs || now - began > patience_.longestMs) {
+        if (now - movedAt > patience_.stallMs || now - began >= patience_.longestMs) {
             stalledAt_ = reads_.load(std::memory_order_relaxed);
             break;
         }

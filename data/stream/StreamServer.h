@@ -2,12 +2,14 @@
 #pragma once
 
 #include "data/Limits.h"
+#include "data/stream/HostLead.h"
 #include "data/stream/RefillSlot.h"
 #include "data/stream/StreamBuffer.h"
 #include "data/stream/StreamGate.h"
 #include "data/stream/StreamStats.h"
 #include "data/stream/ZSEThreadClient.h"
 #include "platform/AutoResetEvent.h"
+#include "platform/Clock.h"
 
 #include <memory>
 #include <vector>
@@ -28,7 +30,7 @@ struct StreamRing {
 /// does not give back is left behind with them, and finds them when it comes back.
 class StreamServer final : public ZSEThreadClient {
   public:
-    /// How long an offline voice waits for a buffer: until the disk has read nothing for `stallMs`, and no
+    /// How long a voice waits for a buffer at the most: until the disk has read nothing for `stallMs`, and no
     /// longer than `longestMs`. How long a pause waits for a read to end.
     struct Patience {
         double stallMs = limits::stalledDiskMs;
@@ -36,12 +38,20 @@ class StreamServer final : public ZSEThreadClient {
         double readMs = limits::hungReadMs;
     };
 
-    /// `diskEvent` wakes the disk thread and outlives the server.
-    explicit StreamServer(AutoResetEvent& diskEvent)
-        : StreamServer(diskEvent, Patience()) {}
-    StreamServer(AutoResetEvent& diskEvent, Patience patience)
+    /// What the audio thread knows of the block that it begins.
+    struct Block {
+        bool offline = false;    ///< voices wait for their buffers, whatever the lead
+        double renderedMs = 0.0; ///< the length of all blocks before it
+        double lengthMs = 0.0;
+    };
+
+    /// `diskEvent` wakes the disk thread; `clock` is asked by the audio thread. Both outlive its last block.
+    explicit StreamServer(AutoResetEvent& diskEvent, const Clock& clock = systemClock())
+        : StreamServer(diskEvent, Patience(), clock) {}
+    StreamServer(AutoResetEvent& diskEvent, Patience patience, const Clock& clock = systemClock())
         : diskEvent_(diskEvent)
-        , patience_(patience) {}
+        , patience_(patience)
+        , clock_(clock) {}
 
     /// While one lives the disk thread is outside: no zone is looked at, no buffer written. Waits for a read
     /// at hand, and leaves it behind when it takes too long. Any thread but audio and disk.
@@ -69,14 +79,14 @@ class StreamServer final : public ZSEThreadClient {
     /// for a read that was left behind.
     void zonesChange() { gate_.forgetVisitor(); }
 
-    /// [audio] At the start of each block. Offline, voices wait for their buffers.
-    void beginBlock(bool offline, double renderedMs);
-    double renderedMs() const { return renderedMs_; }
+    /// [audio] At the start of each block.
+    void beginBlock(const Block& block);
+    double renderedMs() const { return block_.renderedMs; }
     void voiceStarted();
     void voiceEnded();
     void wakeDiskThread(); ///< after one or more posts
-    /// True when the buffer may be entered. Real time: says how it stands. Offline: waits for as long as the
-    /// disk gets on, up to a limit.
+    /// True when the buffer may be entered. Offline it is waited for as long as the disk gets on; else for as
+    /// long as the host is ahead of real time, which a live host never is.
     bool awaitBuffer(const RefillSlot& slot);
     void countLate() { lateRefills_.fetch_add(1, std::memory_order_relaxed); }
 
@@ -110,18 +120,19 @@ class StreamServer final : public ZSEThreadClient {
     ChunkResult readChunk(const Waiting& waiting, ZSoundFile& sound, const StreamPoints& points,
                           const ChunkTarget& chunk);
     void countRead(std::size_t bytes);
-    bool waitWhileDiskMoves(const RefillSlot& slot);
+    bool waitWhileDiskMoves(const RefillSlot& slot, double longestMs);
     std::uint64_t signOfLife() const;
 
     AutoResetEvent& diskEvent_;
     const Patience patience_;
+    const Clock& clock_;
     StreamGate gate_;
     std::shared_ptr<Buffers> buffers_ = std::make_shared<Buffers>();
     std::vector<Waiting> waiting_; // of the disk thread inside
 
     // Audio thread.
-    bool offline_ = false;
-    double renderedMs_ = 0.0;
+    Block block_;
+    HostLead lead_;
     std::uint64_t stalledAt_ = ~std::uint64_t{0}; // our reads when a wait was given up
     AutoResetEvent filled_;
 

@@ -51,7 +51,7 @@ class ZDSVoice final : public ZVoice {
 };
 
 /// The voices of an instrument with these settings, which get new buffers: streaming ones when the streaming
-/// flag is set. None may be playing, and the server is paused. Loading thread; throws std::bad_alloc.
+/// flag is set. None may be playing, and the server is paused. [loading] Throws std::bad_alloc.
 VoicePool::Voices makeVoices(const InstrumentSettings& settings, const PlayContext& context,
                              StreamServer& server);
 

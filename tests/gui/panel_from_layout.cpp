@@ -123,6 +123,33 @@ TEST_F(PanelFromLayout, EveryColourReachesItsControl) {
     }
 }
 
+TEST_F(PanelFromLayout, NumbersMayBeLargerThanPixels) {
+    build("<images><40000>" + encodedStrip(10, 12, true) + "</40000></images><knob 1='40000' 2='2000000123'/>");
+    EXPECT_NE(dynamic_cast<CKnob*>(panel.controls().knobs[0]), nullptr);
+    EXPECT_EQ(PanelBuilder::idOf(*panel.controls().knobs[0]), 2000000123);
+}
+
+TEST_F(PanelFromLayout, ACombosButtonColourIsPainted) {
+    CLookAndFeel lookAndFeel;
+    lookAndFeel.install();
+    build("<combo width='80' height='20' 2='3' 16780644='ff00ff00'/>");
+    const auto shown = picture(*panel.controls().combos[0]);
+    EXPECT_EQ(shown.getPixelAt(76, 14), juce::Colour(0xff00ff00));
+    EXPECT_NE(shown.getPixelAt(40, 14), juce::Colour(0xff00ff00));
+}
+
+TEST_F(PanelFromLayout, TheDefaultStripIsOpaqueUnderTheMouse) {
+    build("<button 1='0' width='34' height='34'/>");
+    auto& button = dynamic_cast<DefaultStripButton&>(*panel.controls().buttons[0]);
+    juce::Image pictures[2];
+    for (const bool isOver : {false, true}) {
+        auto& image = pictures[isOver ? 1 : 0] = juce::Image(juce::Image::ARGB, 34, 34, true);
+        juce::Graphics g(image);
+        button.paintButton(g, isOver, false);
+    }
+    EXPECT_EQ(pictures[1].getPixelAt(17, 17), pictures[0].getPixelAt(17, 17));
+}
+
 TEST_F(PanelFromLayout, AFaceThatIsNotThereIsDrawnAsTheDefaultOne) {
     CLookAndFeel lookAndFeel;
     lookAndFeel.install();
@@ -155,6 +182,7 @@ TEST_F(PanelFromLayout, EveryControlHasANameAndAPlaceInTabOrder) {
     for (const auto& control : panel.controls().all) {
         EXPECT_TRUE(control->getTitle().isNotEmpty());
         EXPECT_TRUE(control->getWantsKeyboardFocus());
+        EXPECT_TRUE(dynamic_cast<juce::TooltipClient&>(*control).getTooltip().isNotEmpty());
     }
     EXPECT_EQ(panel.controls().knobs[0]->getTitle(), "Glide time");
     EXPECT_EQ(panel.controls().knobs[1]->getTextFromValue(1.0), "6.00 dB");

@@ -2,9 +2,8 @@
 #include "engine/EngineEvent.h"
 #include "gui/CLookAndFeel.h"
 #include "gui/CPlayerKeyboard.h"
-#include "gui/CZSPGUI.h"
 #include "gui/WindowMenus.h"
-#include "tests/gui/support/FakeLink.h"
+#include "tests/gui/support/WindowFixture.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,50 +15,6 @@ namespace {
 
 using testing::ElementsAre;
 using Selected = std::pair<int, juce::String>;
-
-class Window : public testing::Test {
-  protected:
-    Window() {
-        link.titles = {"Organ", "Piano", "Harp"};
-        link.index = 1;
-    }
-    // An instrument of manual groups, as if just loaded.
-    void load(const std::optional<std::string>& layout,
-              std::initializer_list<const char*> groups = {"one", "two", "three"}) {
-        auto& engine = link.instrument;
-        engine.clear();
-        engine.texts().name = "Bright Piano";
-        engine.texts().path = "/piano.zse";
-        engine.texts().layout = layout;
-        for (const char* name : groups)
-            engine.createGroup(name).record.trigger = static_cast<std::int32_t>(GroupTrigger::Manual);
-        if (!engine.groups().empty()) engine.activateGroup(engine.groups()[0].get());
-        ++link.loads;
-        ++link.groups;
-    }
-    void open() {
-        window = std::make_unique<CZSPGUI>(processor, link);
-        window->setVisible(true);
-    }
-    void renderOneBlock() {
-        const auto active = link.instrument.activeGroups();
-        float left[64], right[64];
-        float* outputs[] = {left, right};
-        link.instrument.renderBlock(outputs, 2, 64);
-        if (active != link.instrument.activeGroups()) ++link.groups;
-    }
-    void tick() { window->refresh(); }
-    const PanelControls& controls() { return window->panel().controls(); }
-    void click(int index) { window->buttonClicked(controls().buttons[static_cast<std::size_t>(index)]); }
-    GroupRecord& group(int index) {
-        return link.instrument.groups()[static_cast<std::size_t>(index)]->record;
-    }
-
-    juce::ScopedJuceInitialiser_GUI framework;
-    SilentProcessor processor;
-    FakeLink link;
-    std::unique_ptr<CZSPGUI> window;
-};
 
 TEST_F(Window, SaysWhatIsLoaded) {
     open();
@@ -221,6 +176,16 @@ TEST_F(Window, TypingFindsOneOfFiveHundredInstruments) {
     EXPECT_TRUE(list.keyPressed(juce::KeyPress(juce::KeyPress::returnKey)));
     EXPECT_THAT(link.selected, ElementsAre(Selected(row, "")));
     EXPECT_FALSE(window->instrumentList().isVisible());
+
+    window->openInstrumentList();
+    for (const auto place : {list.getVerticalScrollBar().getBounds().getCentre(),
+                             list.getRowPosition(link.index, true).getCentre()}) {
+        EXPECT_TRUE(window->instrumentList().isVisible());
+        window->instrumentList().mouseDoubleClick(
+            {juce::Desktop::getInstance().getMainMouseSource(), place.toFloat(), {}, 1.0f, 0.0f, 0.0f, 0.0f,
+             0.0f, &list, &list, juce::Time(), place.toFloat(), juce::Time(), 2, false});
+    }
+    EXPECT_FALSE(window->instrumentList().isVisible());
 }
 
 class WindowOnScreen : public Window {};
@@ -248,12 +213,12 @@ TEST_F(WindowOnScreen, FilesDroppedOnItLoad) {
     window->addToDesktop(0);
     juce::ComponentPeer::DragInfo drag;
     drag.position = controls().keyboards[0]->getBounds().getCentre(); // wherever in the window
-    drag.files = {"/a.wav"};
-    EXPECT_FALSE(window->getPeer()->handleDragMove(drag));
-    window->getPeer()->handleDragExit(drag);
-    drag.files.add("/b.ZSE");
-    EXPECT_TRUE(window->getPeer()->handleDragMove(drag));
-    window->filesDropped(drag.files, 0, 0);
+    for (const char* file : {"/a.wav", "/b.ZSE"}) { // the first is refused, and does not bar the second
+        drag.files = {file};
+        EXPECT_TRUE(window->getPeer()->handleDragMove(drag)) << file;
+        EXPECT_TRUE(window->getPeer()->handleDragDrop(drag)) << file;
+        window->filesDropped(drag.files, 0, 0); // which JUCE posts
+    }
     EXPECT_THAT(link.selected, ElementsAre(Selected(-1, "/b.ZSE")));
 }
 
@@ -346,8 +311,8 @@ TEST(Menus, ListInstrumentsGroupsAndWhatIsMissing) {
     EXPECT_THAT(describe(makeInstrumentMenu({"A", "B"}, 1)),
                 ElementsAre("# Instrument List", "1 A", "2 B *"));
     EXPECT_THAT(describe(makeGroupMenu({}, {})), ElementsAre("# Group List"));
-    EXPECT_THAT(describe(makeGroupMenu({"x", "y", "z"}, {0, 2})),
-                ElementsAre("# Group List", "1 x *", "2 y", "3 z *"));
+    EXPECT_THAT(describe(makeGroupMenu({{"x", ""}, {"y", "always"}, {"z", ""}}, {0, 2})),
+                ElementsAre("# Group List", "1 x *", "2 y", "3 z *", "- With Ctrl or Shift: add or take away"));
 
     EditorLink::Missing missing;
     EXPECT_EQ(missingText(missing), "");

@@ -4,6 +4,7 @@
 #include "gui/DefaultLayout.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
+#include "tests/support/WaveBuilder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -78,6 +79,25 @@ InstrumentBuilder levelInstrument(const std::string& name, double level) {
     playing.record.ignoreVelocity = 1;
     builder.groups.push_back({"Level", {}, {playing}, {}});
     return builder;
+}
+
+// The slow one reads samples of holes into memory.
+void addSlowLibrary(HostRig& rig) {
+    constexpr std::uint32_t dataBytes = 6 << 20;
+    rig.addInstrument("a small.zse", levelInstrument("Small").bytes());
+    InstrumentBuilder builder;
+    builder.name = "Slow";
+    builder.settings.streaming = builder.settings.streamingStored = 0;
+    InstrumentBuilder::Group group{"Slow", {}, {}, {}};
+    group.record.volume = -1.5f; // tells its saved state from the small one's
+    for (int i = 0; i < 10; ++i) {
+        const std::string name = "s" + std::to_string(i) + ".wav";
+        rig.addInstrument(name, WaveBuilder().format(1, 44100, 16).data("", dataBytes).bytes(dataBytes + 36));
+        std::filesystem::resize_file(rig.folder().path() / "Pack.instruments" / name, dataBytes + 44);
+        group.zones.push_back(zone(name));
+    }
+    builder.groups.push_back(group);
+    rig.addInstrument("b slow.zse", builder.bytes());
 }
 
 Rendered render(HostedPlugin& plugin, int frames, const std::vector<TimedEvent>& events) {

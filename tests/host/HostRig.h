@@ -42,6 +42,9 @@ std::string monoBlock(int frames, int rate, const std::function<double(int frame
 /// with no attack and a release too short to hear: the output tells when which note sounds.
 InstrumentBuilder levelInstrument(const std::string& name, double level = 0.5);
 
+/// A library whose first instrument is small and whose second takes a while to load: "a small.zse", "b slow.zse".
+void addSlowLibrary(HostRig& rig);
+
 struct Rendered {
     std::vector<float> left, right;
     friend bool operator==(const Rendered&, const Rendered&) = default;

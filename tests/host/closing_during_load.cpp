@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/host/HostRig.h"
 #include "tests/support/Chance.h"
-#include "tests/support/WaveBuilder.h"
 #include "tools/vsthost/PluginReport.h"
 
 #include <chrono>
@@ -15,25 +14,6 @@ using Clock = std::chrono::steady_clock;
 
 double millisecondsSince(Clock::time_point begin) {
     return std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-}
-
-// A library whose first instrument is small and whose second takes a while: samples of holes, read into
-// memory.
-void addSlowLibrary(HostRig& rig) {
-    constexpr std::uint32_t dataBytes = 6 << 20;
-    rig.addInstrument("a small.zse", levelInstrument("Small").bytes());
-    InstrumentBuilder builder;
-    builder.name = "Slow";
-    builder.settings.streaming = builder.settings.streamingStored = 0;
-    InstrumentBuilder::Group group{"Slow", {}, {}, {}};
-    for (int i = 0; i < 10; ++i) {
-        const std::string name = "s" + std::to_string(i) + ".wav";
-        rig.addInstrument(name, WaveBuilder().format(1, 44100, 16).data("", dataBytes).bytes(dataBytes + 36));
-        std::filesystem::resize_file(rig.folder().path() / "Pack.instruments" / name, dataBytes + 44);
-        group.zones.push_back(zone(name));
-    }
-    builder.groups.push_back(group);
-    rig.addInstrument("b slow.zse", builder.bytes());
 }
 
 TEST(ClosingDuringLoad, TwoHundredTimesAtRandomMoments) {

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 #ifdef __SSE2__
 #include <xmmintrin.h>
@@ -304,6 +305,28 @@ TEST_F(HostHabits, AnyThreadSavesRestoresAndStopsWhileAudioRenders) {
     plugin->seedRandom(5);
     render(*plugin, 100000);
     EXPECT_GE(firstSound(render(*plugin, frames, piece()).left), 0);
+}
+
+// Told, a note is as long as what was rendered of it; else as long as the clock says, if that is longer. The
+// release sample tells: it fades with the note's length.
+TEST(ProcessLevel, IsHeededWithoutBeingTurnedOffAndOn) {
+    HostRig rig;
+    auto damper = levelInstrument("Damper");
+    damper.groups[0].record.releaseTrigger = 1;
+    damper.groups[0].record.releaseDecayTime = 300;
+    damper.groups[0].zones[0].record.ignoreVelocity = 0;
+    rig.addInstrument("damper.zse", damper.bytes());
+    const auto plugin = rig.loadActive();
+    for (const bool offline : {false, true, false, true}) {
+        plugin->setOffline(offline);
+        plugin->call(Vst2::effSetBypass, 0, 1); // ends what sounds
+        render(*plugin, 512);
+        plugin->call(Vst2::effSetBypass, 0, 0);
+        render(*plugin, 512, {{0, noteOn(60)}});
+        std::this_thread::sleep_for(std::chrono::milliseconds(400));
+        const float level = render(*plugin, 512, {{0, noteOff(60)}}).left.back();
+        EXPECT_EQ(level > 0.2f, offline) << level;
+    }
 }
 
 } // namespace

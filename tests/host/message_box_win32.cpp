@@ -58,5 +58,33 @@ TEST(MessageBoxOnScreen, TellsOncePerLoadWhatIsWrongWithAPanel) {
     EXPECT_EQ(user.leave(), std::vector<std::wstring>{L"No Player Node found"});
 }
 
+TEST(MessageBoxOnScreen, AFailedLoadShowsOneThatOutlivesTheModule) {
+    const std::wstring text = L"Unable to load this instrument.";
+    HWND box = nullptr;
+    {
+        HostRig rig;
+        rig.addInstrument("a.zse", levelInstrument("A").bytes());
+        const auto broken = rig.addInstrument("b.zse", levelInstrument("B").bytes());
+        const auto plugin = rig.loadActive();
+        std::string error;
+        const auto window = HostWindow::open(*plugin, error);
+        ASSERT_NE(window, nullptr) << error;
+        std::filesystem::resize_file(broken, 3);
+        plugin->selectProgram(1);
+        for (int i = 0; i < 500 && box == nullptr; ++i) {
+            window->run(0.02);
+            box = FindWindowW(L"#32770", L"Zarno Sampler Player");
+        }
+        ASSERT_NE(box, nullptr);
+    } // the module is unloaded while the box stands
+    ASSERT_TRUE(IsWindow(box));
+    User user(L"Zarno Sampler Player");
+    for (int i = 0; i < 200 && IsWindow(box); ++i)
+        Sleep(20);
+    EXPECT_FALSE(IsWindow(box));
+    Sleep(200); // the box's thread gives the module back
+    EXPECT_EQ(user.leave(), std::vector<std::wstring>{text});
+}
+
 } // namespace
 } // namespace zarno::test

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// What a load asks the user of the open window. The desktop's dialog program is played by a script that notes how it
-// was called and answers with what a file says, or thinks for ever when there is none. Needs a display.
+// What a load asks the user of the open window. The desktop's dialog program is played by a script that notes
+// how it was called and answers with what a file says, or thinks for ever when there is none. Needs a
+// display.
 #ifndef _WIN32
 #include "platform/Paths.h"
 #include "tests/host/HostRig.h"
@@ -87,7 +88,9 @@ class MissingSamplesOnScreen : public testing::Test {
         const auto pids = linesOf("bin/pids");
         return !pids.empty() && std::ifstream("/proc/" + pids.back() + "/cmdline").get() != EOF;
     }
-    float levelOfNote(int key) { return render(*plugin, 512, {{0, noteOn(key)}, {505, noteOff(key)}}).left[500]; }
+    float levelOfNote(int key) {
+        return render(*plugin, 512, {{0, noteOn(key)}, {505, noteOff(key)}}).left[500];
+    }
 
     HostRig rig;
     const std::string path = std::getenv("PATH");
@@ -123,7 +126,8 @@ TEST_F(MissingSamplesOnScreen, WhoCancelsIsAskedOncePerLoad) {
     EXPECT_EQ(levelOfNote(127), 0.0f);
 }
 
-// The host waits for its chunk to be taken: the question comes behind it, and the player's settings survive the answer.
+// The host waits for its chunk to be taken: the question comes behind it, and the player's settings survive
+// the answer.
 TEST_F(MissingSamplesOnScreen, ARestoredProjectAsksBehindTheHostsBack) {
     open();
     plugin->selectProgram(1);
@@ -161,6 +165,28 @@ TEST_F(MissingSamplesOnScreen, ARestoreWaitsForNoAnswer) {
     EXPECT_GT(levelOfNote(60), 0.4f);
     window->run(0.1);
     EXPECT_FALSE(isDialogOpen());
+}
+
+// A window that is closed and opened again within one poll of the loading thread: the new one asks, too, or
+// the load goes on without an answer.
+TEST_F(MissingSamplesOnScreen, AQuestionIsNotLostWithItsWindow) {
+    open();
+    for (int round = 0; round < 10; ++round) {
+        std::error_code ignored;
+        std::filesystem::remove(rig.folder() / "bin/answer", ignored);
+        std::filesystem::remove(rig.folder() / "bin/asked", ignored);
+        plugin->selectProgram(1);
+        ASSERT_TRUE(waitForDialog());
+        answerWith("");
+        ASSERT_TRUE(window->reopen());
+        const auto end = Clock::now() + std::chrono::seconds(10);
+        while (!plugin->waitForLoading(0.0) && Clock::now() < end)
+            window->run(0.01);
+        ASSERT_TRUE(plugin->waitForLoading(0.0))
+            << "the load waits for an answer that never comes, round " << round;
+        plugin->selectProgram(0);
+        ASSERT_TRUE(plugin->waitForLoading(20.0));
+    }
 }
 
 // Nobody answers; in three of four rounds nobody even shows the dialog, since the host's loop stands still.

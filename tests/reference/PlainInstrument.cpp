@@ -13,6 +13,7 @@ PlainInstrument::PlainInstrument(const Groups& groups, const InstrumentSettings&
     , voices_(static_cast<std::size_t>(std::clamp(int{settings.polyphony}, 1, 1024)), PlainVoice(state_)) {
     state_.settings = settings;
     lastVelocity_.fill(127);
+    noteOnRendered_.fill(-INFINITY);
     for (const auto& group : groups) {
         groups_.push_back({group.get(), {}});
         for (const auto& zone : group->zones())
@@ -30,6 +31,8 @@ void PlainInstrument::prepareZones() {
 void PlainInstrument::setSampleRate(double hertz) {
     if (hertz == state_.sampleRate) return;
     const double previous = state_.sampleRate;
+    msBeforeThisRate_ = renderedMs(0);
+    samplesAtThisRate_ = 0;
     state_.sampleRate = hertz;
     state_.killCoefficient = static_cast<float>(1 - std::pow(1 - 0.02242, 44100 / hertz));
     lfo_.setRate(finiteOr(state_.settings.lfoRate, 3), hertz);
@@ -74,6 +77,11 @@ void PlainInstrument::renderBlock(float* left, float* right, int numSamples) {
         for (float* out : {left + s, right + s})
             *out = std::isnan(*out) ? 0 : std::clamp(*out, -1.0f, 1.0f);
     }
+    samplesAtThisRate_ += numSamples;
+}
+
+double PlainInstrument::renderedMs(std::int64_t sample) const {
+    return msBeforeThisRate_ + static_cast<double>(samplesAtThisRate_ + sample) * 1000.0 / state_.sampleRate;
 }
 
 static void moveToward(float& current, float target) {
@@ -120,6 +128,7 @@ void PlainInstrument::processEvents(int sample, bool isLast) {
         pendingEvents_.clear();
         nextEvent_ = 0;
     }
+    sample_ = sample;
     while (nextEvent_ < activeEvents_.size()) {
         if (activeEvents_[nextEvent_].sampleOffset > static_cast<std::uint32_t>(sample) && !isLast) return;
         dispatch(activeEvents_[nextEvent_++]);
@@ -269,11 +278,13 @@ void PlainInstrument::dealToGroup(Group& group, const EngineEvent& event) {
     if (event.isNoteOn()) {
         if (!record.releaseTrigger) startNoteInGroup(group, event.data1, event.data2);
         lastVelocity_[key] = event.data2;
-        noteOnTime_[key] = clock_.nowMs();
+        noteOnRendered_[key] = renderedMs(sample_);
+        noteOnLag_[key] = lagMs();
     } else if (event.isNoteOff() && record.releaseTrigger && !pedalDown_) {
         int velocity = lastVelocity_[key] == 0 ? 127 : lastVelocity_[key];
         if (const double decay = finiteOr(record.releaseDecayTime, 0); decay > 0) {
-            const double elapsed = clock_.nowMs() - noteOnTime_[key];
+            const double elapsed =
+                renderedMs(sample_) - noteOnRendered_[key] + std::max(lagMs() - noteOnLag_[key], 0.0);
             velocity = decay > elapsed ? static_cast<int>((1 - elapsed / decay) * velocity) : 0;
         }
         startNoteInGroup(group, event.data1, velocity);
@@ -296,7 +307,7 @@ void PlainInstrument::startNoteInGroup(Group& group, int key, int velocity) {
 void PlainInstrument::startZone(const PlainZone& zone, int key, int velocity, int channelTag) {
     chokeExclusive(zone.record().exclusiveId);
     PlainVoice* voice = allocateVoice();
-    voice->startTime = clock_.nowMs();
+    voice->startTime = renderedMs(sample_);
     voice->start(&zone, key, velocity, channelTag);
     state_.lastKey = key;
 }

@@ -59,6 +59,8 @@ class PlainInstrument {
     void stepBend();
     void stepExpression();
     void stepLfo();
+    double renderedMs(std::int64_t sample) const;
+    double lagMs() const { return blockStart_ - renderedMs(0); } // of rendered time after the clock
 
     const Clock& clock_;
     PlainState state_;
@@ -71,8 +73,10 @@ class PlainInstrument {
     std::vector<EngineEvent> pendingEvents_, activeEvents_;
     std::size_t nextEvent_ = 0;
     double blockStart_ = -1; // ms, below 0 before the first block
+    double msBeforeThisRate_ = 0;
+    std::int64_t samplesAtThisRate_ = 0, sample_ = 0; // before the block; of the event at hand, in the block
     std::array<int, 128> lastVelocity_, controllers_{};
-    std::array<double, 128> noteOnTime_{}; // ms
+    std::array<double, 128> noteOnRendered_, noteOnLag_{}; // ms
     int program_ = 0, bendRange_ = 2;
     bool pedalDown_ = false;
     float bendTarget_ = 1, expression_ = 1, expressionTarget_ = 1;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 namespace zarno {
 
@@ -14,5 +15,15 @@ inline constexpr bool allocationsAreCounted = true;
 
 // How often the calling thread has taken memory with operator new since it began.
 std::size_t allocationsOfThisThread();
+
+// While it lives, what this thread takes with operator new passes through here first.
+class AllocationsPass {
+  public:
+    explicit AllocationsPass(std::function<void()> through);
+    ~AllocationsPass();
+
+  private:
+    const std::function<void()> through_;
+};
 
 } // namespace zarno

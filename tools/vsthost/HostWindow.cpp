@@ -39,6 +39,12 @@ std::unique_ptr<HostWindow> HostWindow::open(HostedPlugin& plugin, std::string& 
     return window;
 }
 
+bool HostWindow::reopen() {
+    plugin_.closeEditor();
+    plugin_.editorSize(); // as hosts do; the editor is made here
+    return plugin_.openEditor(window_->handle());
+}
+
 void HostWindow::run(double seconds) {
     using Clock = std::chrono::steady_clock;
     const auto end = Clock::now() + std::chrono::duration<double>(seconds);

@@ -24,6 +24,9 @@ class HostWindow {
     static std::unique_ptr<HostWindow> open(HostedPlugin& plugin, std::string& error);
     ~HostWindow();
 
+    /// Closes the editor and opens it again in the same window, at once. False when it does not open.
+    bool reopen();
+
     /// Runs the event loop of the window and the plug-in for this long.
     void run(double seconds);
 

@@ -193,7 +193,6 @@ Vst2::VstIntPtr HostedPlugin::handle(int opcode, int index, Vst2::VstIntPtr valu
     case Vst2::audioMasterGetCurrentProcessLevel:
         return options_.offline ? Vst2::kVstProcessLevelOffline : Vst2::kVstProcessLevelRealtime;
     case Vst2::audioMasterUpdateDisplay:
-        ++displayUpdates_;
         return 1;
     case Vst2::audioMasterSizeWindow:
         return onResize && onResize({index, static_cast<int>(value)}) ? 1 : 0;

@@ -50,7 +50,6 @@ class HostedPlugin {
     void activate(double sampleRate, int blockSize);
     void activate() { activate(options_.sampleRate, options_.blockSize); }
     void deactivate();
-    bool isActive() const { return active_; }
     void setOffline(bool offline) { options_.offline = offline; }
 
     /// Events of the coming block, in order of their offsets.
@@ -81,9 +80,6 @@ class HostedPlugin {
     /// Called when the plug-in asks for a window of another size. Returns whether it got it.
     std::function<bool(Size)> onResize;
 
-    /// How often the plug-in has said that its state or its programs changed.
-    int displayUpdates() const { return displayUpdates_; }
-
   private:
     HostedPlugin(std::unique_ptr<SharedModule> module, const Options& options)
         : module_(std::move(module))
@@ -101,7 +97,6 @@ class HostedPlugin {
     double renderedFrames_ = 0.0;
     bool active_ = false;
     bool editorOpen_ = false;
-    std::atomic<int> displayUpdates_{0};
 };
 
 /// Handles the window messages of this thread that wait, as a host's event loop would. Nothing on systems

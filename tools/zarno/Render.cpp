@@ -81,15 +81,12 @@ class Renderer {
 
 void load(ZInstrument& instrument, const std::string& path) {
     const LoadResult result = loadInstrument(instrument, path);
-    if (!result) throw std::runtime_error(path + ": " + result.reason);
+    if (!result) throw std::runtime_error(sentence(result.problem));
     for (const std::string& missing : result.missing)
         std::fprintf(stderr, "missing sample: %s\n", missing.c_str());
     for (const std::string& unsupported : result.unsupported)
         std::fprintf(stderr, "sample of unknown format: %s\n", unsupported.c_str());
-    const InstrumentTexts& texts = instrument.texts();
-    if (!texts.incompleteReason.empty())
-        std::fprintf(stderr, "%s: incomplete at byte %llu: %s\n", path.c_str(),
-                     static_cast<unsigned long long>(texts.incompleteAt), texts.incompleteReason.c_str());
+    if (result.problem) std::fprintf(stderr, "%s\n", sentence(result.problem).c_str());
 }
 
 void printStats(const StreamStats& stats) {
