@@ -67,7 +67,7 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         {R"({"loopEnd": 100})", "the loop ends at 100, behind the zone's end 99"},
         {R"({"loopStart": 3, "startFrame": 5})", "the loop starts at 3, before the zone's start 5"},
         {R"({"loopStart": 90, "loopEnd": 90})", "the loop's start 90 is not before its end 90"},
-        {R"({"volume": 7})", "its loudest note peaks at +1.0 dB and is clipped", false},
+        {R"({"volume": 7})", "its loudest note peaks at +1.0 dB and is clipped"},
         {R"({"pan": 1.5})", "pan is 1.5: it must be from -1.0 to 1.0"},
         {R"({"attack": "0x7fc00000"})", "attack is 0x7fc00000: that is no number"},
     };
@@ -117,6 +117,42 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         const Findings findings = check(json);
         EXPECT_THAT(findingsToText(findings), HasSubstr(fault.finding)) << fault.patch;
         EXPECT_EQ(countErrors(findings) > 0, fault.isError) << fault.patch << findingsToText(findings);
+    }
+}
+
+// Each patch is for the settings of all zones of the group that is active at the start.
+TEST_F(InstrumentCheck, HearsSilenceAndSides) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"({"volume": -144})", "error: sound: no note sounds"},
+        {R"({"volume": -66})", "error: sound: no note sounds"},
+        {R"({"volume": -59})", ""},
+        {R"({"pan": -1})", "error: sound: it sounds on the left side only"},
+        {R"({"pan": 1})", "error: sound: it sounds on the right side only"},
+        {R"({"pan": 0.9})", ""},
+        {R"(s{"trigger": "Controller", "controllerNumber": 9, "controllerLow": 1, "controllerHigh": 9})",
+         "no note sounds"},
+        {R"(s{"trigger": "Controller", "controllerNumber": 9, "controllerLow": 0, "controllerHigh": 9})", ""},
+        {R"(s{"trigger": "Program", "program": 3})", "no note sounds"},
+        {R"(s{"releaseTrigger": 1})", "no note sounds"},
+        {R"(z{"volume": -100})", "error: sound: keys 36..59 are silent"},
+    };
+    for (const auto& [patch, finding] : cases) {
+        Json json = soundInstrument();
+        json["groups"].erase(1);
+        std::string_view text = patch;
+        auto& zones = json["groups"][0]["zones"];
+        if (text[0] == 's')
+            json["groups"][0]["settings"].update(Json::parse(text.substr(1)));
+        else if (text[0] == 'z')
+            zones[0]["settings"].update(Json::parse(text.substr(1)));
+        else
+            for (auto& zone : zones)
+                zone["settings"].update(Json::parse(text));
+        const std::string found = findingsToText(check(json));
+        if (*finding == 0)
+            EXPECT_EQ(found, "") << patch;
+        else
+            EXPECT_THAT(found, HasSubstr(finding)) << patch;
     }
 }
 
