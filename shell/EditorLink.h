@@ -56,6 +56,8 @@ class EditorLink {
     /// The library, in program order. Its rows are these titles; a double click selects.
     virtual juce::ListBoxModel& instrumentList() = 0;
     virtual juce::StringArray instrumentTitles() const = 0;
+    /// What the scan of the library left out and why: sentences, empty when it reached everything.
+    virtual juce::String libraryProblem() const = 0;
     /// Of the instrument that is loaded, being loaded, or was chosen during a load: -1 when there is none or
     /// its file is not in the library.
     virtual int currentIndex() const = 0;
@@ -111,6 +113,31 @@ class EditorLink {
 
     /// Where the panel publishes its keyboard state.
     virtual KeyboardRoute& keyboardRoute() = 0;
+
+    /// What the audio thread does; all zero when nothing has been rendered for a moment.
+    struct Activity {
+        float peak = 0.0f; ///< of the output, 1 is full scale
+        double cpu = 0.0;  ///< share of the time that the host gives for a block
+    };
+    virtual Activity activity() = 0;
+    /// Nothing renders, and that is this program's own business: it runs without a host.
+    virtual bool lacksAudioDevice() const = 0;
+    /// Where the user chooses an audio device; not in a host.
+    virtual bool hasAudioSettings() const = 0;
+    virtual void showAudioSettings() = 0;
+
+    /// Full paths, in the order of instrumentTitles.
+    virtual juce::StringArray instrumentPaths() const = 0;
+    /// The folders that hold the library, whether they are there or not; first the one to put instruments into.
+    virtual juce::StringArray libraryFolders() const = 0;
+    /// Reads the library again, in the background. While the window asks for the generation that happens by itself
+    /// after a folder has changed.
+    virtual void refreshLibrary() = 0;
+    /// Counts the changes of the library.
+    virtual std::uint32_t libraryGeneration() = 0;
+
+    /// Ends the running load, if there is one; nothing is loaded then.
+    virtual void cancelLoad() = 0;
 };
 
 } // namespace zarno
