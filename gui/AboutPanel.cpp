@@ -61,7 +61,7 @@ void AboutPanel::open(InstrumentInfo info) {
     if (info_.remark.isNotEmpty()) write(info_.remark, theme::textHeight, theme::text);
     if (!info_.keyswitches.empty()) write("\nKeyswitches", theme::textHeight, theme::quietText);
     for (const auto& [key, name] : info_.keyswitches)
-        write(key.paddedRight(' ', 6) + name, theme::textHeight, theme::text);
+        write(key + ": " + name, theme::textHeight, theme::text);
     if (!info_.facts.isEmpty()) write("\n" + info_.facts.joinIntoString("\n"), theme::smallTextHeight, theme::quietText);
     text_.setReadOnly(true);
     text_.setCaretPosition(0);
