@@ -2,20 +2,12 @@
 #include "gui/AboutPanel.h"
 
 #include "engine/ZInstrument.h"
+#include "gui/InstrumentView.h"
 #include "gui/Theme.h"
-#include "platform/Utf8.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
 namespace zarno {
-namespace {
-
-juce::String fromEngine(const std::string& text) {
-    return juce::String::fromUTF8(toUtf8(text).c_str());
-}
-
-} // namespace
-
 juce::String keyName(int key) {
     return juce::MidiMessage::getMidiNoteName(key, true, true, 4);
 }
