@@ -1,7 +1,8 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # Line tables are enough for stack traces and profiles, and keep objects and links small.
-set(CMAKE_C_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
-set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1 -DNDEBUG")
+set(ZARNO_OPTIMISATION -O2 CACHE STRING "The compiler's level; -O1 is enough for trees that only test")
+set(CMAKE_C_FLAGS_RELWITHDEBINFO "${ZARNO_OPTIMISATION} -g1 -DNDEBUG")
+set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "${ZARNO_OPTIMISATION} -g1 -DNDEBUG")
 
 # See platform/ThreadRole.h. For all of our code alike, so that every file sees the same declarations.
 set(checksThreads OFF)

@@ -6,7 +6,7 @@
 #include "gui/CZSPGUI.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
 #include "shell/HostChunk.h"
 #include "shell/UserFolders.h"
@@ -23,7 +23,7 @@ juce::String fromUtf8(const std::string& text) {
 // A file system that does not answer counts as one that does not have the file.
 bool isThere(const std::string& path) {
     const auto found = std::make_shared<bool>(false);
-    return doWithPatience(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
+    return runWithTimeout(limits::hungReadMs, [=](const SignOfLife&) { *found = isRegularFile(path); }) &&
            *found;
 }
 

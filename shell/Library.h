@@ -3,7 +3,7 @@
 
 #include "data/Limits.h"
 #include "platform/Clock.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 
 #include <string>
 #include <string_view>

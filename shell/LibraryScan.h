@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 #include "shell/Library.h"
 
 #include <string>

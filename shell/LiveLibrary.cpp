@@ -3,7 +3,7 @@
 
 #include "data/Limits.h"
 #include "platform/Module.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 
 #include <juce_core/juce_core.h>
 
@@ -14,7 +14,7 @@ namespace {
 
 std::shared_ptr<const Library> read(const std::vector<std::string>& folders) {
     const auto library = std::make_shared<Library>();
-    const bool answers = doWithPatience(
+    const bool answers = runWithTimeout(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
     return answers ? library : std::make_shared<Library>(Library::unanswered());
 }

@@ -5,7 +5,7 @@
 #include "engine/ZInstrument.h"
 #include "engine/ZSEDelegate.h"
 #include "platform/Paths.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
 #include "shell/EditorPort.h"
 #include "shell/FolderQuestion.h"
@@ -149,7 +149,7 @@ void LoadRunner::discuss(LoadJob& job, std::unique_ptr<FolderQuestion>& question
 juce::File LoadRunner::missingFolder() const {
     const auto folder = parts_.settings.get(settingKey::missingFolder);
     const bool answers = juce::File::isAbsolutePath(folder) &&
-                         doWithPatience(limits::hungReadMs,
+                         runWithTimeout(limits::hungReadMs,
                                         [path = folder.toStdString()](const SignOfLife&) { isFolder(path); });
     return answers ? juce::File(folder) : defaultSampleFolder();
 }

@@ -3,6 +3,7 @@
 #include "tests/support/Chance.h"
 #include "tests/support/InstrumentBuilder.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/ThreadNames.h"
 #include "tests/support/WaveBuilder.h"
 
 #include <chrono>
@@ -76,15 +77,19 @@ TEST(LoadingApart, CancelledAtAnyMomentTheReaderEndsSoon) {
     RecordProperty("longestMs", std::to_string(longestMs));
 }
 
-TEST(LoadingApart, AReaderLeftBehindHarmsNobody) {
+TEST(LoadingApart, AbandonedReaderEndsByItself) {
     const TempFolder folder;
     auto job = LoadJob::start({slowInstrument(folder), {}, {}, {}, false});
     ASSERT_TRUE(job);
     while (job->wait(5) == LoadJob::State::Reading) {
     }
     job->cancel();
+    EXPECT_EQ(threadsNamed("ZSP Reader"), 1);
     LoadJob::abandon(std::move(job));
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (threadsNamed("ZSP Reader") > 0 && std::chrono::steady_clock::now() < end)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(threadsNamed("ZSP Reader"), 0);
 }
 
 } // namespace

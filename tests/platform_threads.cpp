@@ -4,7 +4,7 @@
 #include "platform/DenormalGuard.h"
 #include "platform/Module.h"
 #include "platform/Paths.h"
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 #include "platform/WorkerThread.h"
 
 #include <gtest/gtest.h>
@@ -87,20 +87,20 @@ TEST(PlatformClock, RunsForward) {
     }
 }
 
-TEST(PlatformPatience, IsWithWhatGivesSignsOfLifeAndNoOther) {
+TEST(RunWithTimeout, EndsOnlyWorkThatGivesNoSignOfLife) {
     const auto later = std::make_shared<AutoResetEvent>(), ended = std::make_shared<AutoResetEvent>();
-    EXPECT_FALSE(doWithPatience(50.0, [=](const SignOfLife&) {
+    EXPECT_FALSE(runWithTimeout(50.0, [=](const SignOfLife&) {
         later->wait();
         ended->signal();
     }));
     later->signal();
     EXPECT_TRUE(ended->wait(20000)) << "it comes back, and harms nobody";
     const auto steps = std::make_shared<int>(0);
-    EXPECT_TRUE(doWithPatience(1000.0, [=](const SignOfLife& alive) {
+    EXPECT_TRUE(runWithTimeout(1000.0, [=](const SignOfLife& alive) {
         for (; *steps < 12; ++*steps, alive())
             later->wait(100);
     }));
-    EXPECT_EQ(*steps, 12) << "longer than the patience in all, but not in one step";
+    EXPECT_EQ(*steps, 12) << "longer than the timeout in all, but not in one step";
 }
 
 TEST(PlatformModule, IsThisProgram) {

@@ -28,6 +28,22 @@ TEST(VelocityLevels, TablesAreTheirFormulas) {
     EXPECT_EQ(tabledDecibelGain(6.0f), static_cast<float>(std::pow(10.0, 6.0 / 20)));
 }
 
+// FNV-1a over all 128 values in hundred-thousandths, four little-endian bytes each.
+std::uint32_t checksumOfCurve(int curve) {
+    std::uint32_t hash = 2166136261u;
+    for (int velocity = 0; velocity < 128; ++velocity) {
+        const auto value = static_cast<std::uint32_t>(std::lround(velocityCurveValue(curve, velocity) * 100000.0));
+        for (int shift = 0; shift < 32; shift += 8)
+            hash = (hash ^ (value >> shift & 255u)) * 16777619u;
+    }
+    return hash;
+}
+
+TEST(VelocityLevels, EveryValueOfTheTabledCurvesIsUnchanged) {
+    EXPECT_EQ(checksumOfCurve(0), 0x4e35f9aeu);
+    EXPECT_EQ(checksumOfCurve(1), 0xc5fbec70u);
+}
+
 TEST(VelocityLevels, CurvesRiseFromSoftToFull) {
     for (int curve = 0; curve <= 2; ++curve) {
         for (int v = 1; v < 128; ++v)

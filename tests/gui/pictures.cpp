@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+
 #include <cstdlib>
 #include <memory>
 #include <vector>
@@ -75,6 +78,82 @@ Bytes gif(bool interlaced = false) {
     bytes.insert(bytes.end(), codes.begin(), codes.end());
     bytes.insert(bytes.end(), {0, ';'});
     return bytes;
+}
+
+// The colour of a palette's entry in the next function.
+juce::Colour entryColour(int index) {
+    return juce::Colour(static_cast<juce::uint8>(index), static_cast<juce::uint8>(255 - index), 7);
+}
+
+// A GIF of 256 colours compressed as encoders do: strings of many indices, codes that grow from 9 to 12 bits, and a
+// clear code when the table is full.
+Bytes compressedGif(int width, int height, bool interlaced, const std::function<int(int x, int y)>& indexAt) {
+    Bytes bytes{'G', 'I', 'F', '8', '9', 'a'};
+    put16(bytes, {width, height});
+    bytes.insert(bytes.end(), {0xF7, 0, 0});
+    for (int i = 0; i < 256; ++i)
+        for (const auto part : {entryColour(i).getRed(), entryColour(i).getGreen(), entryColour(i).getBlue()})
+            bytes.push_back(part);
+    bytes.push_back(',');
+    put16(bytes, {0, 0, width, height});
+    bytes.push_back(interlaced ? 0x40 : 0);
+    bytes.push_back(8);
+
+    Bytes codes;
+    unsigned bits = 0;
+    int held = 0, size = 9, next = 258;
+    std::map<std::pair<int, int>, int> strings;
+    const auto put = [&](int code) {
+        bits |= static_cast<unsigned>(code) << held;
+        for (held += size; held >= 8; held -= 8, bits >>= 8)
+            codes.push_back(static_cast<unsigned char>(bits & 255));
+    };
+    put(256);
+    int current = -1;
+    const auto add = [&](int index) {
+        if (current < 0) return static_cast<void>(current = index);
+        if (const auto known = strings.find({current, index}); known != strings.end())
+            return static_cast<void>(current = known->second);
+        put(current);
+        strings[{current, index}] = next;
+        if (next++ == 1 << size && size < 12) ++size;
+        if (next == 4096) {
+            put(256);
+            strings.clear();
+            size = 9, next = 258;
+        }
+        current = index;
+    };
+    const int starts[] = {0, 4, 2, 1}, steps[] = {8, 8, 4, 2};
+    for (int pass = 0; pass < (interlaced ? 4 : 1); ++pass)
+        for (int y = interlaced ? starts[pass] : 0; y < height; y += interlaced ? steps[pass] : 1)
+            for (int x = 0; x < width; ++x)
+                add(indexAt(x, y));
+    put(current);
+    put(257);
+    codes.push_back(static_cast<unsigned char>(bits));
+    for (std::size_t at = 0; at < codes.size(); at += 255) {
+        const std::size_t count = std::min<std::size_t>(255, codes.size() - at);
+        bytes.push_back(static_cast<unsigned char>(count));
+        bytes.insert(bytes.end(), codes.begin() + static_cast<std::ptrdiff_t>(at),
+                     codes.begin() + static_cast<std::ptrdiff_t>(at + count));
+    }
+    bytes.insert(bytes.end(), {0, ';'});
+    return bytes;
+}
+
+TEST(Pictures, CompressedAndInterlacedGifsComeOutAsTheyWentIn) {
+    const auto flat = [](int, int y) { return y < 30 ? 3 : 200; };            // strings that hold themselves
+    const auto noisy = [](int x, int y) { return (x * x + 31 * y * x) % 251; }; // fills the table several times
+    for (const auto& indexAt : {std::function<int(int, int)>(flat), std::function<int(int, int)>(noisy)})
+        for (const bool interlaced : {false, true}) {
+            const auto image = decode(compressedGif(203, 61, interlaced, indexAt));
+            ASSERT_EQ(image.getBounds(), juce::Rectangle<int>(0, 0, 203, 61));
+            for (int y = 0; y < 61; ++y)
+                for (int x = 0; x < 203; ++x)
+                    ASSERT_EQ(image.getPixelAt(x, y), entryColour(indexAt(x, y)))
+                        << x << " " << y << (interlaced ? " interlaced" : "");
+        }
 }
 
 TEST(Pictures, ComeOutAsTheyWentIn) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-#include "platform/Patience.h"
+#include "platform/RunWithTimeout.h"
 
 #include "platform/Module.h"
 #include "platform/WorkerThread.h"
@@ -29,21 +29,21 @@ struct Progress {
 
 } // namespace
 
-bool doWithPatience(double patienceMs, std::function<void(const SignOfLife& alive)> work) {
+bool runWithTimeout(double timeoutMs, std::function<void(const SignOfLife& alive)> work) {
     const auto progress = std::make_shared<Progress>();
     const auto body = [progress, work = std::move(work)] {
         work([&] { progress->sign(false); });
         progress->sign(true);
     };
     WorkerThread thread;
-    if (!thread.start("ZSP Patience", body)) {
+    if (!thread.start("ZSP Timeout", body)) {
         body();
         return true;
     }
-    const std::chrono::duration<double, std::milli> patience(patienceMs);
+    const std::chrono::duration<double, std::milli> timeout(timeoutMs);
     std::unique_lock hold(progress->mutex);
     for (std::uint64_t seen = 0; !progress->done; seen = progress->signs)
-        if (!progress->changed.wait_for(hold, patience, [&] { return progress->signs != seen; })) {
+        if (!progress->changed.wait_for(hold, timeout, [&] { return progress->signs != seen; })) {
             keepModuleForever();
             thread.detach();
             return false;
