@@ -163,7 +163,6 @@ void CZSPGUI::loadingFinished() {
     const auto& path = link_.engine().texts().path;
     if (path.empty() || !link_.lastLoadSucceeded()) return;
     link_.setSetting("recent instruments", withMostRecent(recentPaths(), fromEngine(path)).joinIntoString("\n"));
-    librarySeen_ = 0; // the browser shows them
 }
 
 void CZSPGUI::loadFailed() {
@@ -233,13 +232,16 @@ void CZSPGUI::refreshControls() {
 void CZSPGUI::refreshLibrary() {
     const auto generation = link_.libraryGeneration() + 1; // never 0, which stands for none
     if (std::exchange(librarySeen_, generation) == generation) return;
-    const auto folders = link_.libraryFolders();
     titles_ = link_.instrumentTitles();
-    browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
-    firstRun_.setFolder(folders[0]);
+    if (browser_.isVisible()) fillBrowser();
+    firstRun_.setFolder(link_.libraryFolders()[0]);
     const auto problem = link_.libraryProblem();
     if (problem != libraryProblem_) advice_ = libraryProblem_ = problem;
     refreshLabels();
+}
+
+void CZSPGUI::fillBrowser() {
+    browser_.setLibrary(titles_, link_.instrumentPaths(), link_.libraryFolders(), recentPaths());
 }
 
 juce::StringArray CZSPGUI::recentPaths() const {
@@ -373,6 +375,7 @@ void CZSPGUI::openInstrumentList() {
 void CZSPGUI::openBrowser() {
     if (browser_.isVisible()) return browser_.setVisible(false);
     about_.setVisible(false);
+    fillBrowser();
     browser_.open(link_.currentIndex());
 }
 

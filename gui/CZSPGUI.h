@@ -106,6 +106,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void refreshLabels();
     void refreshControls();
     void refreshLibrary();
+    void fillBrowser();
     void refreshBar();
     void refreshOverlay();
     void refreshActivity();
