@@ -23,7 +23,8 @@ juce::String fromUtf8(const std::string& text) {
 // Empty when the file system does not answer: the host goes on without it.
 Library scanLibrary() {
     const auto library = std::make_shared<Library>();
-    const std::vector folders{libraryFolderBeside(modulePath()), userLibraryFolder()};
+    auto folders = libraryFoldersBeside(modulePaths());
+    folders.push_back(userLibraryFolder());
     const bool answers = runWithTimeout(
         limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
     return answers ? std::move(*library) : Library::unanswered();

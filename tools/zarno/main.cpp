@@ -38,6 +38,7 @@ constexpr void (*commands[])(CLI::App&) = {
 int main(int argc, char** argv) {
     CLI::App program("Makes, shows and plays instruments of Zarno Sampler Player.", "zarno");
     program.require_subcommand(1);
+    program.set_version_flag("--version", "zarno " ZARNO_VERSION);
     program.allow_windows_style_options(false); // a path may begin with a slash on Wine
     for (const auto add : commands)
         add(program);
