@@ -46,5 +46,5 @@ endif()
 # The program that needs no host plays through JACK too; on Linux its server is found at run time.
 if(NOT WIN32)
     set_source_files_properties(${JUCE_MODULES_DIR}/juce_audio_devices/juce_audio_devices.cpp
-        TARGET_DIRECTORY zarno_juce PROPERTIES COMPILE_DEFINITIONS JUCE_JACK=1)
+        TARGET_DIRECTORY zarno_juce PROPERTIES COMPILE_DEFINITIONS "JUCE_JACK=1;JUCE_JACK_CLIENT_NAME=\"Zarno Sampler Player\"")
 endif()

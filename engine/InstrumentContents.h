@@ -18,4 +18,10 @@ struct InstrumentContents {
     std::vector<std::unique_ptr<ZGroup>> groups;
 };
 
+// The values in an instrument's file, without the user's changes.
+struct FileValues {
+    InstrumentSettings settings;
+    std::vector<GroupRecord> groups;
+};
+
 } // namespace zarno

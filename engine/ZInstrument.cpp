@@ -281,6 +281,10 @@ void ZInstrument::exchange(InstrumentContents& contents) {
     rebuildPool();
     texts_ = std::move(former.texts);
     groups_ = std::move(former.groups);
+    copySettings(fileValues_.settings, settings_);
+    fileValues_.groups.clear();
+    for (const auto& group : groups_)
+        fileValues_.groups.push_back(group->record);
     dispatcher_.activeGroups().reserve();
 }
 

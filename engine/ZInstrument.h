@@ -68,6 +68,8 @@ class ZInstrument final {
     void applySettings();
     // [loading; one more thread that keeps loads out] Sound settings and name back to their defaults.
     void resetSettings();
+    // [any, while no load runs] What the file gave that was loaded last.
+    const FileValues& fileValues() const { return fileValues_; }
     // [any] Posts a zero for every controller that a reset touches.
     void resetControllers(int channel);
 
@@ -165,6 +167,7 @@ class ZInstrument final {
     const Clock& clock_;
     InstrumentSettings settings_;
     InstrumentTexts texts_;
+    FileValues fileValues_;
     std::vector<std::unique_ptr<ZGroup>> groups_;
     PlayContext context_{settings_};
     Modulation modulation_{settings_, context_};

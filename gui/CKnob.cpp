@@ -5,11 +5,6 @@
 
 namespace zarno {
 
-CKnob::CKnob()
-    : juce::Slider(juce::Slider::RotaryVerticalDrag, juce::Slider::NoTextBox) {
-    setRange(0.0, 1.0, 0.0);
-}
-
 void CKnob::setImage(const juce::Image& strip) {
     strip_ = strip;
     const int width = strip.getWidth(), height = strip.getHeight();

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include <juce_gui_basics/juce_gui_basics.h>
+#include "gui/PanelKnob.h"
 
 namespace zarno {
 
 // A rotary slider that shows its value as one frame of a picture strip.
-class CKnob final : public juce::Slider {
+class CKnob final : public PanelKnob {
   public:
-    CKnob();
 
     // Square frames side by side when the picture is wider than tall, else stacked. Takes the size of a
     // frame.

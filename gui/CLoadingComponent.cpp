@@ -7,7 +7,15 @@ namespace zarno {
 
 CLoadingComponent::CLoadingComponent() {
     hint_.setJustificationType(juce::Justification::centred);
-    hint_.setFont(juce::Font(14.0f));
+    hint_.setFont(juce::Font(theme::textHeight));
+    name_.setJustificationType(juce::Justification::centred);
+    name_.setFont(juce::Font(theme::titleHeight));
+    cancel_.setMouseCursor(juce::MouseCursor::NormalCursor);
+    cancel_.onClick = [this] {
+        if (onCancel) onCancel();
+    };
+    addAndMakeVisible(name_);
+    addAndMakeVisible(cancel_);
     bar_.setPercentageDisplay(false);
     addAndMakeVisible(bar_);
     addAndMakeVisible(hint_);
@@ -27,10 +35,14 @@ void CLoadingComponent::paint(juce::Graphics& g) {
 }
 
 void CLoadingComponent::resized() {
-    auto area = getLocalBounds().withSizeKeepingCentre(std::min(260, getWidth()), std::min(120, getHeight()));
+    auto area = getLocalBounds().withSizeKeepingCentre(std::min(320, getWidth()), std::min(184, getHeight()));
     spinner_.setBounds(area.removeFromTop(64).withSizeKeepingCentre(64, 64));
-    hint_.setBounds(area.removeFromTop(34));
-    bar_.setBounds(area.removeFromTop(6).reduced(20, 0));
+    name_.setBounds(area.removeFromTop(30));
+    hint_.setBounds(area.removeFromTop(24));
+    area.removeFromTop(6);
+    bar_.setBounds(area.removeFromTop(6).reduced(40, 0));
+    area.removeFromTop(14);
+    cancel_.setBounds(area.removeFromTop(26).withSizeKeepingCentre(80, 26));
 }
 
 } // namespace zarno

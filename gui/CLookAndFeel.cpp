@@ -48,18 +48,31 @@ CLookAndFeel::CLookAndFeel()
     chooseTypefaces(*this);
     setColour(juce::TextButton::buttonColourId, Colour(theme::raised));
     setColour(juce::TextButton::buttonOnColourId, Colour(theme::accent));
-    setColour(juce::TextButton::textColourOnId, Colour(theme::bar));
+    setColour(juce::TextButton::textColourOnId, Colour(theme::accentText));
+    setColour(juce::TextEditor::backgroundColourId, Colour(theme::field));
+    setColour(juce::TextEditor::textColourId, Colour(theme::text));
+    setColour(juce::TextEditor::outlineColourId, Colour(theme::outline));
+    setColour(juce::TextEditor::focusedOutlineColourId, Colour(theme::accent));
+    setColour(juce::TextEditor::highlightColourId, Colour(theme::accent));
+    setColour(juce::TextEditor::highlightedTextColourId, Colour(theme::accentText));
+    setColour(juce::CaretComponent::caretColourId, Colour(theme::accent));
+    setColour(juce::PopupMenu::textColourId, Colour(theme::text));
+    setColour(juce::TooltipWindow::textColourId, Colour(theme::text));
+    setColour(juce::TooltipWindow::outlineColourId, Colour(theme::outline));
+    setColour(juce::AlertWindow::backgroundColourId, Colour(theme::body));
+    setColour(juce::AlertWindow::textColourId, Colour(theme::text));
+    setColour(juce::AlertWindow::outlineColourId, Colour(theme::outline));
     setColour(juce::ScrollBar::thumbColourId, Colour(theme::outline));
     setColour(juce::ProgressBar::backgroundColourId, Colour(theme::bar));
     setColour(juce::ProgressBar::foregroundColourId, Colour(theme::accent));
     setColour(juce::Slider::rotarySliderOutlineColourId, Colour(0x66c9ccd3));
     setColour(juce::Slider::rotarySliderFillColourId, Colour(theme::accent));
     setColour(juce::Slider::thumbColourId, Colour(theme::accent));
-    setColour(juce::PopupMenu::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::PopupMenu::backgroundColourId, Colour(theme::menu));
     setColour(juce::PopupMenu::headerTextColourId, Colour(theme::quietText));
-    setColour(juce::BubbleComponent::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::BubbleComponent::backgroundColourId, Colour(theme::menu));
     setColour(juce::BubbleComponent::outlineColourId, Colour(theme::outline));
-    setColour(juce::TooltipWindow::backgroundColourId, Colour(0xff24272d));
+    setColour(juce::TooltipWindow::backgroundColourId, Colour(theme::menu));
     living().push_back(this);
 }
 

@@ -6,6 +6,8 @@
 #include "gui/Theme.h"
 #include "shell/KeyboardRoute.h"
 
+#include <optional>
+
 namespace zarno {
 
 CPlayerGUI::CPlayerGUI(ControlListeners listeners, KeyboardRoute* route, ShowMessage showMessage)
@@ -55,6 +57,32 @@ void CPlayerGUI::replaceControls(std::string_view layoutText, const std::vector<
     setSize(description.width, description.height);
     controls_ = PanelBuilder(*this, keyboardState_, route_, listeners_).build(std::move(description));
     repaint();
+}
+
+void CPlayerGUI::releaseAllKeys() {
+    for (CPlayerKeyboard* keyboard : controls_.keyboards)
+        keyboard->releaseKeys();
+    std::optional<KeyboardRoute::Hold> hold;
+    if (route_ != nullptr) hold.emplace(*route_);
+    keyboardState_.allNotesOff(0);
+}
+
+std::vector<juce::Rectangle<int>> CPlayerGUI::occupiedPlaces() const {
+    std::vector<juce::Rectangle<int>> places;
+    for (const auto& control : controls_.all) {
+        const auto* label = dynamic_cast<const juce::Label*>(control.get());
+        const auto area = control->getBounds();
+        if (label == nullptr) {
+            places.push_back(area);
+        } else if (label->getText().isNotEmpty()) {
+            const int height = juce::roundToInt(label->getFont().getHeight());
+            const int width = label->getFont().getStringWidth(label->getText()) + 2;
+            places.push_back(label->getJustificationType().appliedToRectangle(
+                juce::Rectangle<int>(std::min(width, area.getWidth()), std::min(height, area.getHeight())),
+                area.reduced(std::min(5, area.getWidth() / 4), 0)));
+        }
+    }
+    return places;
 }
 
 void CPlayerGUI::paint(juce::Graphics& g) {

@@ -24,6 +24,10 @@ class CPlayerGUI final : public juce::Component {
     void rebuild(std::string_view layout, const std::vector<std::uint8_t>& image);
 
     const PanelControls& controls() const { return controls_; }
+    // Every key up, those that the host holds, too.
+    void releaseAllKeys();
+    // What a bubble shall not cover: the controls, and the texts of labels.
+    std::vector<juce::Rectangle<int>> occupiedPlaces() const;
     juce::MidiKeyboardState& keyboardState() { return keyboardState_; }
     void paint(juce::Graphics&) override;
 

@@ -27,6 +27,8 @@ CPlayerKeyboard::CPlayerKeyboard(juce::MidiKeyboardState& state, KeyboardRoute* 
     setColour(keySeparatorLineColourId, juce::Colour(0xff8d8b87));
     setColour(shadowColourId, juce::Colours::black.withAlpha(0.45f));
     setTitle("Keyboard");
+    setOctaveForMiddleC(4);
+    setOctave(5);
 }
 
 CPlayerKeyboard::~CPlayerKeyboard() {
@@ -41,7 +43,31 @@ void CPlayerKeyboard::setShowsNames(bool showsNames) {
 void CPlayerKeyboard::setRoles(const KeyRoles& roles) {
     if (roles == roles_) return;
     roles_ = roles;
+    int lowest = 128, highest = -1;
+    for (int key = 0; key < 128; ++key)
+        if (roleOf(key) == KeyRole::Playable) {
+            lowest = std::min(lowest, key);
+            highest = key;
+        }
+    // Seventeen keys from C on are played by the computer's.
+    const int middle = (lowest + highest) / 2;
+    if (highest >= 0 && std::exchange(middle_, middle) != middle) setOctave((middle - 2) / 12);
     repaint();
+}
+
+void CPlayerKeyboard::setOctave(int octave) {
+    releaseKeys();
+    octave_ = juce::jlimit(0, 10, octave);
+    setKeyPressBaseOctave(octave_);
+    setTooltip("Computer keys: A W S E D F T G Y H U J K play from " +
+               juce::MidiMessage::getMidiNoteName(octave_ * 12, true, true, 4) +
+               "; Z and X move them an octave down and up.");
+}
+
+void CPlayerKeyboard::paintOverChildren(juce::Graphics& g) {
+    if (!hasKeyboardFocus(true)) return;
+    g.setColour(juce::Colour(theme::accent));
+    g.drawRect(getLocalBounds(), 2);
 }
 
 void CPlayerKeyboard::releaseKeys() {
@@ -81,6 +107,7 @@ bool CPlayerKeyboard::keyStateChanged(bool isKeyDown) {
 }
 void CPlayerKeyboard::focusLost(FocusChangeType cause) {
     whileHeld([&] { MidiKeyboardComponent::focusLost(cause); });
+    repaint();
 }
 
 juce::Colour CPlayerKeyboard::keyColour(int note, juce::Colour plain, bool isDown, bool isOver) const {

@@ -16,7 +16,7 @@ using KeyRoles = std::array<KeyRole, 128>;
 
 // The keyboard of the panel: mouse and computer keys play, the keys that sound are lit, and colours tell what
 // each key is for. Lets its notes go when it is deleted.
-class CPlayerKeyboard final : public juce::MidiKeyboardComponent {
+class CPlayerKeyboard final : public juce::MidiKeyboardComponent, public juce::SettableTooltipClient {
   public:
     // The route through which the state's changes reach the engine; held while this changes the state. May be
     // null.
@@ -27,7 +27,11 @@ class CPlayerKeyboard final : public juce::MidiKeyboardComponent {
     void setShowsNames(bool showsNames);
     bool showsNames() const { return showsNames_; }
 
+    // Computer keys start in the middle of the keys that play.
     void setRoles(const KeyRoles& roles);
+    // The octave of the computer keys: 0 begins at MIDI 0. Lets held keys go.
+    void setOctave(int octave);
+    int octave() const { return octave_; }
 
     // All notes that mouse and computer keys hold.
     void releaseKeys();
@@ -40,7 +44,9 @@ class CPlayerKeyboard final : public juce::MidiKeyboardComponent {
     void mouseEnter(const juce::MouseEvent&) override;
     void mouseExit(const juce::MouseEvent&) override;
     bool keyStateChanged(bool isKeyDown) override;
+    void focusGained(FocusChangeType) override { repaint(); }
     void focusLost(FocusChangeType) override;
+    void paintOverChildren(juce::Graphics&) override;
 
   private:
     void drawWhiteNote(int note, juce::Graphics&, juce::Rectangle<float> area, bool isDown, bool isOver,
@@ -57,6 +63,8 @@ class CPlayerKeyboard final : public juce::MidiKeyboardComponent {
     KeyboardRoute* route_;
     KeyRoles roles_;
     bool showsNames_ = false;
+    int octave_ = 0;
+    int middle_ = -1; // of the keys that play
 };
 
 } // namespace zarno

@@ -2,6 +2,7 @@
 #include "gui/CZSPGUI.h"
 
 #include "engine/ZInstrument.h"
+#include "gui/BarState.h"
 #include "gui/CPlayerKeyboard.h"
 #include "gui/DefaultLayout.h"
 #include "gui/PanelEdits.h"
@@ -9,23 +10,14 @@
 #include "gui/WindowMenus.h"
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
-#if JUCE_WINDOWS
-#include "platform/MessageBox_win32.h"
-#endif
 
 namespace zarno {
 namespace {
 
 constexpr int refreshHz = 30;
-constexpr const char* zoomKey = "zoom";
-constexpr const char* lastFileKey = "load instrument";
 
 juce::String fromEngine(const std::string& text) {
     return juce::String::fromUTF8(toUtf8(text).c_str());
-}
-
-juce::File fileOf(const juce::String& path) {
-    return juce::File::isAbsolutePath(path) ? juce::File(path) : juce::File();
 }
 
 juce::String fileNameWithoutExtension(const juce::String& path) {
@@ -33,81 +25,88 @@ juce::String fileNameWithoutExtension(const juce::String& path) {
     return name.containsChar('.') ? name.upToLastOccurrenceOf(".", false, false) : name;
 }
 
-bool isInstrumentFile(const juce::String& path) {
-    return path.endsWithIgnoreCase(".zse") || path.endsWithIgnoreCase(".zs2");
-}
-
 } // namespace
 
 CZSPGUI::CZSPGUI(juce::AudioProcessor& processor, EditorLink& link)
     : AudioProcessorEditor(processor)
     , link_(link)
-    , panel_({this, this, this}, &link.keyboardRoute(),
-             [this](const juce::String& caption, const juce::String& text) { showPanelProblem(caption, text); })
+    , panel_({this, this, this, &knobs_}, &link.keyboardRoute(),
+             [this](const juce::String& caption, const juce::String& text) {
+                 if (link_.shouldReportPanelError()) dialogs_.showBox(caption, text);
+             })
     , list_(link.instrumentList(), [this] { return link_.instrumentTitles(); }) {
     setSize(600, 250);
     setWantsKeyboardFocus(true);
     addAndMakeVisible(content_);
     content_.addAndMakeVisible(panel_);
     content_.addAndMakeVisible(bar_);
-    content_.addChildComponent(list_);
-    content_.addChildComponent(overlay_);
-    list_.onPick = [this](int row) { link_.selectInstrument(row, {}); };
-    list_.onClose = [this] { list_.setVisible(false); };
+    for (juce::Component* part :
+         std::initializer_list<juce::Component*>{&firstRun_, &list_, &browser_, &about_, &overlay_, &drop_})
+        content_.addChildComponent(part);
     connectBar();
-    zoomPercent_ = zoomFromSetting(link_.setting(zoomKey));
+    connectPanels();
+    lateReadsSeen_ = link_.engine().streamStats().lateRefills;
     rebuildPlayer();
     startTimerHz(refreshHz);
 }
 
 CZSPGUI::~CZSPGUI() {
     stopTimer();
-    releaseDraggedKnob();
+    knobs_.release();
     if (isAttached_) link_.setWindow(nullptr);
 }
 
-// Hosts make editors just to ask for their size. The processor shows dialogs when it has a window, so it hears
-// of this one only while it is on a screen.
-void CZSPGUI::parentHierarchyChanged() {
-    followAttachment();
-}
-
-void CZSPGUI::followAttachment() {
-    const bool isAttached = getPeer() != nullptr;
-    if (isAttached == isAttached_) return;
-    isAttached_ = isAttached;
-    link_.setWindow(isAttached ? this : nullptr);
-    if (isAttached && loadSeen_ != link_.loadGeneration()) rebuildPlayer();
-}
-
 void CZSPGUI::connectBar() {
-    bar_.onLoad = [this](auto&) { openInstrumentFile(); };
-    bar_.onInstrumentMenu = [this](auto& source) { showInstrumentMenu(source); };
+    bar_.onPrevious = [this](auto&) { stepInstrument(-1); };
+    bar_.onNext = [this](auto&) { stepInstrument(+1); };
+    bar_.onInstrumentMenu = [this](auto& source) { dialogs_.showInstrumentMenu(source); };
+    bar_.onLibrary = [this](auto&) { openBrowser(); };
+    bar_.onLoad = [this](auto&) { dialogs_.openInstrument(); };
     bar_.onGroupMenu = [this](auto& source) { showGroupMenu(source); };
-    bar_.onList = [this](auto&) { openInstrumentList(); };
-    bar_.onMissing = [this](auto& source) { showMissingMenu(source); };
-    bar_.onLocate = [this](auto&) { locateInstrument(); };
-    bar_.onTryAgain = [this](auto&) { link_.tryAgain(); };
-    bar_.onZoom = [this](auto& source) { showZoomMenu(source); };
+    bar_.onAbout = [this](auto&) { openAbout(); };
+    bar_.onAudio = [this](auto&) { link_.showAudioSettings(); };
+    bar_.onZoom = [this](auto& source) { dialogs_.showZoomMenu(source, zoom_.percent(), zoom_.largest()); };
+    bar_.onPanic = [this](auto&) { panic(); };
+    bar_.onNotice = [this](auto& source) { followNotice(source); };
+}
+
+void CZSPGUI::connectPanels() {
+    list_.onPick = [this](int row) { load(row, {}); };
+    list_.onClose = [this] { list_.setVisible(false); };
+    browser_.onPick = [this](int index) { load(index, {}); };
+    browser_.onClose = about_.onClose = [this] { grabKeyboardFocus(); };
+    browser_.onRefresh = [this] { link_.refreshLibrary(); };
+    browser_.onPlainList = [this] {
+        browser_.setVisible(false);
+        openInstrumentList();
+    };
+    firstRun_.onLoad = [this] { dialogs_.openInstrument(); };
+    firstRun_.onOpenFolder = [this] { dialogs_.openLibraryFolder(); };
+    overlay_.onCancel = [this] { link_.cancelLoad(); };
 }
 
 void CZSPGUI::fitToPanel() {
     const int width = std::max(panel_.getWidth(), StatusBar::minWidth);
+    const int height = panel_.getHeight() + StatusBar::height;
+    const juce::Rectangle<int> whole(0, 0, width, height), above(0, 0, width, panel_.getHeight());
     panel_.setTopLeftPosition((width - panel_.getWidth()) / 2, 0);
     bar_.setBounds(0, panel_.getHeight(), width, StatusBar::height);
-    const juce::Rectangle<int> whole(0, 0, width, panel_.getHeight() + StatusBar::height);
-    list_.setBounds(whole.withTrimmedBottom(StatusBar::height));
+    list_.setBounds(above);
+    browser_.setBounds(above);
+    about_.setBounds(above);
+    firstRun_.setBounds(above.withTrimmedTop(std::min(112, above.getHeight() / 2)).reduced(8, 0));
     overlay_.setBounds(whole);
-    const float scale = static_cast<float>(zoomPercent_) / 100.0f;
+    drop_.setBounds(whole);
     content_.setBounds(whole);
-    content_.setTransform(juce::AffineTransform::scale(scale));
-    setSize(juce::roundToInt(static_cast<float>(whole.getWidth()) * scale),
-            juce::roundToInt(static_cast<float>(whole.getHeight()) * scale));
+    zoom_.fit(*this, width, height);
+    content_.setTransform(juce::AffineTransform::scale(zoom_.scale()));
+    setSize(juce::roundToInt(static_cast<float>(width) * zoom_.scale()),
+            juce::roundToInt(static_cast<float>(height) * zoom_.scale()));
+    repainter_.repaintForAWhile();
 }
 
 void CZSPGUI::setZoom(int percent) {
-    zoomPercent_ = zoomFromSetting(juce::String(percent));
-    link_.setSetting(zoomKey, juce::String(zoomPercent_));
+    zoom_.choose(percent);
     fitToPanel();
     refreshBar();
 }
@@ -116,12 +115,30 @@ void CZSPGUI::paint(juce::Graphics& g) {
     g.fillAll(juce::Colour(theme::body));
 }
 
+void CZSPGUI::followAttachment() {
+    const bool isAttached = getPeer() != nullptr;
+    if (isAttached == isAttached_) return;
+    isAttached_ = isAttached;
+    // Hosts make editors just to ask for their size. The processor shows dialogs when it has a window, so it hears of
+    // this one only while it is on a screen.
+    link_.setWindow(isAttached ? this : nullptr);
+    if (!isAttached) return;
+    if (loadSeen_ != link_.loadGeneration())
+        rebuildPlayer();
+    else
+        fitToPanel(); // to the display that it is on
+}
+
+void CZSPGUI::visibilityChanged() {
+    if (!isShowing()) juce::PopupMenu::dismissAllActiveMenus();
+}
+
 // During a load the built-in panel stands below the overlay; loadingFinished brings the real one.
 void CZSPGUI::rebuildPlayer() {
     constexpr int patienceMs = 20; // for a host that takes the window's size right away
     std::string layout = defaultLayout;
     std::vector<std::uint8_t> image;
-    releaseDraggedKnob();
+    knobs_.release();
     const bool hasContents = access_.read(
         [&] {
             readContents();
@@ -134,29 +151,38 @@ void CZSPGUI::rebuildPlayer() {
     rebuildDue_ = !hasContents && !link_.isLoading();
     panel_.rebuild(layout, image);
     refresh_.forget();
+    librarySeen_ = 0;
+    refreshLibrary();
     fitToPanel();
     refreshAll();
 }
 
 void CZSPGUI::loadingStarted() {
     list_.setVisible(false);
+    browser_.setVisible(false);
+    about_.setVisible(false);
+    advice_.clear();
     overlay_.setVisible(true);
     overlay_.toFront(false);
     refreshOverlay();
 }
 
 void CZSPGUI::loadingFinished() {
-    question_.close();
+    dialogs_.closeQuestion();
     rebuildPlayer();
+    const auto& path = link_.engine().texts().path;
+    if (path.empty() || !link_.lastLoadSucceeded()) return;
+    link_.setSetting("recent instruments", withMostRecent(recentPaths(), fromEngine(path)).joinIntoString("\n"));
+    librarySeen_ = 0; // the browser shows them
 }
 
 void CZSPGUI::loadFailed() {
-    showBox("Zarno Sampler Player", "Unable to load this instrument.");
+    dialogs_.showBox("Zarno Sampler Player", "Unable to load this instrument.");
 }
 
 void CZSPGUI::askForSampleFolder(const juce::String& sampleName, const juce::File& start,
                                  std::function<void(const juce::File&)> answer) {
-    question_.locateSampleFolder(sampleName, start, std::move(answer));
+    dialogs_.askForSampleFolder(sampleName, start, std::move(answer));
 }
 
 void CZSPGUI::timerCallback() {
@@ -167,26 +193,23 @@ void CZSPGUI::timerCallback() {
 void CZSPGUI::refresh() {
     const thread::Acts asMessage(thread::message);
     followAttachment(); // JUCE is silent about a peer that goes
+    input_.takeFocus();
+    closeMenusOfHiddenWindow();
+    refreshLibrary();
     if (rebuildDue_) return rebuildPlayer();
     access_.flush();
-    if (link_.groupsGeneration() != groupsSeen_) {
-        refreshAll();
-        return;
-    }
+    if (link_.groupsGeneration() != groupsSeen_) return refreshAll();
     refreshControls();
     refreshActivity();
 }
 
 void CZSPGUI::refreshAll() {
-    refreshContents();
+    access_.read([this] { readContents(); });
     refreshLabels();
     refreshControls();
-    refreshKeyboards();
+    for (auto* keyboard : panel_.controls().keyboards)
+        keyboard->setRoles(roles_);
     refreshActivity();
-}
-
-bool CZSPGUI::refreshContents() {
-    return access_.read([this] { readContents(); });
 }
 
 // What the window keeps of the instrument: names, selection, the keys' roles. The caller has the contents.
@@ -200,11 +223,13 @@ void CZSPGUI::readContents() {
         instrumentName_ = fileNameWithoutExtension(fromEngine(engine.texts().path));
     selection_.follow(engine, link_.loadGeneration());
     roles_ = keyRolesOf(engine);
-    groupNames_.clearQuick();
+    groups_.clear();
     juce::StringArray active;
     for (const auto& group : engine.groups()) {
-        groupNames_.add(fromEngine(group->name));
-        if (group->active) active.add(groupNames_[groupNames_.size() - 1]);
+        groups_.push_back({fromEngine(group->name), group->isReleaseTrigger() ? "on release"
+                                                    : staysActive(*group)     ? "always"
+                                                                              : ""});
+        if (group->active) active.add(groups_.back().name);
     }
     activeGroupNames_ = active.joinIntoString(", ");
     missingText_ = missingText(link_.missingSamples());
@@ -214,7 +239,7 @@ void CZSPGUI::readContents() {
 
 juce::String CZSPGUI::titleText() const {
     if (instrumentName_.isNotEmpty()) return instrumentName_;
-    return link_.instrumentTitles().isEmpty() ? "Cannot find any instruments." : "No instrument loaded";
+    return titles_.isEmpty() ? "Cannot find any instruments." : "No instrument loaded";
 }
 
 void CZSPGUI::refreshLabels() {
@@ -232,27 +257,32 @@ void CZSPGUI::refreshControls() {
     });
 }
 
-void CZSPGUI::refreshKeyboards() {
-    for (auto* keyboard : panel_.controls().keyboards)
-        keyboard->setRoles(roles_);
+void CZSPGUI::refreshLibrary() {
+    const auto generation = link_.libraryGeneration() + 1; // never 0, which stands for none
+    if (std::exchange(librarySeen_, generation) == generation) return;
+    const auto folders = link_.libraryFolders();
+    titles_ = link_.instrumentTitles();
+    browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
+    firstRun_.setFolder(folders[0]);
+    const auto problem = link_.libraryProblem();
+    if (problem != libraryProblem_) advice_ = libraryProblem_ = problem;
+    refreshLabels();
+}
+
+juce::StringArray CZSPGUI::recentPaths() const {
+    return juce::StringArray::fromLines(link_.setting("recent instruments"));
 }
 
 void CZSPGUI::refreshBar() {
-    const ZInstrument& engine = link_.engine();
-    StatusBar::State state;
-    state.voices = engine.playingVoices();
-    state.isStreaming = engine.settings().streaming != 0;
-    state.zoomPercent = zoomPercent_;
-    if (!link_.isLoading()) {
-        state.missing = missingText_;
-        state.hasFailed = !link_.lastLoadSucceeded();
-        state.problem = lastLoad_.problem;
-        state.canLocate = lastLoad_.fileIsMissing;
-    }
-    bar_.show(state);
+    bar_.show(barState(link_, {instrumentName_, advice_, missingText_, lastLoad_, lateReadsSeen_,
+                               zoom_.percent(), titles_.size()}));
+    firstRun_.setVisible(titles_.isEmpty() && instrumentName_.isEmpty() && !link_.isLoading() &&
+                         link_.lastLoadSucceeded());
 }
 
 void CZSPGUI::refreshOverlay() {
+    const int index = link_.currentIndex();
+    overlay_.setInstrument(juce::isPositiveAndBelow(index, titles_.size()) ? titles_[index] : chosenName_);
     overlay_.setProgress(link_.loadProgress());
     overlay_.setVisible(link_.isLoading());
 }
@@ -260,30 +290,6 @@ void CZSPGUI::refreshOverlay() {
 void CZSPGUI::refreshActivity() {
     refreshBar();
     refreshOverlay();
-}
-
-void CZSPGUI::sliderValueChanged(juce::Slider* slider) {
-    access_.edit([id = PanelBuilder::idOf(*slider), position = slider->getValue()](PanelEdits& edits) {
-        edits.knobMoved(id, position);
-    });
-    if (slider != dragged_) sliderDragEnded(slider); // by keyboard or wheel: a change of its own
-}
-
-void CZSPGUI::sliderDragStarted(juce::Slider* slider) {
-    dragged_ = slider;
-}
-
-// The mouse lets go of a knob whose panel goes: it gets no event any more.
-void CZSPGUI::releaseDraggedKnob() {
-    const auto* slider = std::exchange(dragged_, nullptr);
-    if (slider != nullptr && PanelBuilder::idOf(*slider) == pitchBendKnobId) link_.engine().setPitchBend(0.0f);
-}
-
-void CZSPGUI::sliderDragEnded(juce::Slider* slider) {
-    dragged_ = nullptr;
-    const bool springsBack = PanelBuilder::idOf(*slider) == pitchBendKnobId;
-    if (springsBack && slider->getValue() != 0.5) slider->setValue(0.5, juce::sendNotificationSync);
-    if (!springsBack) link_.editEnded();
 }
 
 void CZSPGUI::comboBoxChanged(juce::ComboBox* combo) {
@@ -298,7 +304,7 @@ void CZSPGUI::buttonClicked(juce::Button* button) {
     if (binding == nullptr) return;
     switch (binding->action) {
     case ButtonAction::InstrumentMenu:
-        return showInstrumentMenu(*button);
+        return dialogs_.showInstrumentMenu(*button);
     case ButtonAction::NextInstrument:
         return stepInstrument(+1);
     case ButtonAction::PreviousInstrument:
@@ -311,79 +317,77 @@ void CZSPGUI::buttonClicked(juce::Button* button) {
     access_.edit([binding, isOn = button->getToggleState()](PanelEdits& edits) {
         edits.buttonClicked(*binding, isOn);
     });
-    // A play mode stays on when it is clicked once more, whatever the click has done to the button.
+    // The click may have turned the button of a play mode off, which stays the play mode.
     refresh_.forget(*button);
     if (binding->action == ButtonAction::ResetSettings) refreshAll();
     if (binding->action != ButtonAction::StopVoices) link_.editEnded();
 }
 
+void CZSPGUI::pickGroup(int group, bool toggle) {
+    access_.read([&] {
+        ZInstrument& engine = link_.engine();
+        if (group < 0 || group >= static_cast<int>(engine.groups().size())) return;
+        const auto load = link_.loadGeneration();
+        selection_.pick(engine, group, toggle, load);
+        engine.requestActiveGroups(selection_.indices(load));
+        refresh_.forget();
+        refreshControls();
+        link_.editEnded();
+    });
+}
+
+void CZSPGUI::load(int index, const juce::String& path) {
+    chosenName_ = fileNameWithoutExtension(path);
+    advice_.clear();
+    link_.selectInstrument(index, path);
+}
+
 // Past either end of the library nothing happens.
 void CZSPGUI::stepInstrument(int direction) {
     const int index = link_.currentIndex() + direction;
-    if (index >= 0 && index < link_.instrumentTitles().size()) link_.selectInstrument(index, {});
+    if (index >= 0 && index < titles_.size()) load(index, {});
 }
 
-void CZSPGUI::pickGroup(int group, bool toggle) {
-    const juce::ScopedTryLock contents(link_.contentsLock());
-    if (!contents.isLocked() || group < 0 || group >= static_cast<int>(link_.engine().groups().size()))
-        return;
-    const auto generation = link_.loadGeneration();
-    selection_.pick(group, toggle, generation);
-    link_.engine().requestActiveGroups(selection_.indices(generation));
-    refresh_.forget();
-    refreshControls();
-    link_.editEnded();
+void CZSPGUI::panic() {
+    ZInstrument& engine = link_.engine();
+    panel_.releaseAllKeys();
+    engine.requestStop();
+    for (int channel = 0; channel < 16; ++channel)
+        engine.resetControllers(channel);
 }
 
-void CZSPGUI::showMenu(juce::PopupMenu menu, juce::Component& source, std::function<void(int)> picked) {
-    menu.showMenuAsync(juce::PopupMenu::Options().withTargetComponent(source).withDeletionCheck(*this),
-                       [safe = juce::Component::SafePointer(this), picked = std::move(picked)](int result) {
-                           if (safe != nullptr && result > 0) picked(result);
-                       });
+void CZSPGUI::filesDropped(const juce::StringArray& files, int, int) {
+    drop_.setVisible(false);
+    const auto offer = offerFor(files);
+    if (offer.isTaken())
+        load(-1, offer.path);
+    else
+        advice_ = offer.text;
+    refreshBar();
 }
 
-void CZSPGUI::showInstrumentMenu(juce::Component& source) {
-    showMenu(makeInstrumentMenu(link_.instrumentTitles(), link_.currentIndex()), source,
-             [this](int id) { link_.selectInstrument(id - 1, {}); });
+void CZSPGUI::followNotice(juce::Component& source) {
+    switch (bar_.state().notice.action) {
+    case Notice::Action::TryAgain:
+        return link_.tryAgain();
+    case Notice::Action::Locate:
+        return dialogs_.locateInstrument();
+    case Notice::Action::ShowMissing:
+        return dialogs_.showMissingMenu(source);
+    case Notice::Action::AudioSettings:
+        return link_.showAudioSettings();
+    case Notice::Action::Dismiss:
+        advice_.clear();
+        lateReadsSeen_ = link_.engine().streamStats().lateRefills;
+        return refreshBar();
+    case Notice::Action::None:
+        break;
+    }
 }
 
 void CZSPGUI::showGroupMenu(juce::Component& source) {
     const auto generation = link_.loadGeneration();
-    showMenu(makeGroupMenu(groupNames_, selection_.indices(generation)), source, [this, generation](int id) {
-        const auto keys = juce::ModifierKeys::getCurrentModifiers();
-        if (generation == link_.loadGeneration())
-            pickGroup(id - 1, keys.isCommandDown() || keys.isShiftDown());
-    });
-}
-
-void CZSPGUI::showMissingMenu(juce::Component& source) {
-    showMenu(makeMissingMenu(link_.missingSamples()), source, [this](int) {
-        dialogs_.chooseSampleFolder(fileOf(link_.setting("missing folder")),
-                                    [this](const juce::File& folder) { link_.locateMissingSamples(folder); });
-    });
-}
-
-juce::StringArray CZSPGUI::information() const {
-    juce::StringArray lines("Zarno Sampler Player " ZARNO_VERSION, titleText(), link_.packTitle(),
-                            link_.vendorText());
-    lines.removeEmptyStrings();
-    return lines;
-}
-
-void CZSPGUI::showZoomMenu(juce::Component& source) {
-    showMenu(makeZoomMenu(zoomPercent_, information()), source, [this](int percent) { setZoom(percent); });
-}
-
-void CZSPGUI::openInstrumentFile() {
-    dialogs_.openInstrument(fileOf(link_.setting(lastFileKey)), [this](const juce::File& file) {
-        link_.selectInstrument(-1, file.getFullPathName());
-        link_.setSetting(lastFileKey, file.getFullPathName());
-    });
-}
-
-void CZSPGUI::locateInstrument() {
-    dialogs_.openInstrument(fileOf(link_.setting(lastFileKey)),
-                            [this](const juce::File& file) { link_.locateInstrument(file); });
+    dialogs_.showGroupMenu(source, makeGroupMenu(groups_, selection_.indices(generation)), generation);
 }
 
 void CZSPGUI::openInstrumentList() {
@@ -393,38 +397,38 @@ void CZSPGUI::openInstrumentList() {
         list_.open(link_.currentIndex());
 }
 
-bool CZSPGUI::isInterestedInFileDrag(const juce::StringArray& files) {
-    return std::any_of(files.begin(), files.end(), isInstrumentFile);
+void CZSPGUI::openBrowser() {
+    if (browser_.isVisible()) return browser_.setVisible(false);
+    about_.setVisible(false);
+    browser_.open(link_.currentIndex());
 }
 
-void CZSPGUI::filesDropped(const juce::StringArray& files, int, int) {
-    const auto found = std::find_if(files.begin(), files.end(), isInstrumentFile);
-    if (found != files.end()) link_.selectInstrument(-1, *found);
+void CZSPGUI::openAbout() {
+    if (about_.isVisible()) return about_.setVisible(false);
+    access_.read([this] {
+        auto info = infoOf(link_.engine());
+        info.facts = {fromEngine(link_.engine().texts().path), link_.packTitle(), link_.vendorText(),
+                      "Zarno Sampler Player " ZARNO_VERSION};
+        info.facts.removeEmptyStrings();
+        browser_.setVisible(false);
+        about_.open(std::move(info));
+    });
 }
 
-// Computer keys play wherever the focus is in the window.
-bool CZSPGUI::keyStateChanged(bool isKeyDown) {
-    const auto& keyboards = panel_.controls().keyboards;
-    return !keyboards.empty() && !list_.isVisible() && keyboards.front()->keyStateChanged(isKeyDown);
+std::vector<juce::Rectangle<int>> CZSPGUI::occupiedPlaces() {
+    auto places = bar_.occupiedPlaces();
+    for (auto& place : places)
+        place += bar_.getPosition();
+    for (const auto& place : panel_.occupiedPlaces())
+        places.push_back(place + panel_.getPosition());
+    return places;
 }
 
-void CZSPGUI::showPanelProblem(const juce::String& caption, const juce::String& text) {
-    if (link_.shouldReportPanelError()) showBox(caption, text);
-}
-
-// On Windows the system's own box, which outlives the window. Elsewhere one of JUCE's that goes with the window.
-void CZSPGUI::showBox(const juce::String& caption, const juce::String& text) {
-#if JUCE_WINDOWS
-    showMessageBox(caption.toStdString(), text.toStdString());
-#else
-    box_ = std::make_unique<juce::AlertWindow>(caption, text, juce::MessageBoxIconType::WarningIcon, this);
-    box_->addButton("OK", 0, juce::KeyPress(juce::KeyPress::returnKey),
-                    juce::KeyPress(juce::KeyPress::escapeKey));
-    box_->enterModalState(true, juce::ModalCallbackFunction::create(
-                                    [box = juce::Component::SafePointer(box_.get()), this](int) {
-                                        if (box != nullptr) box_.reset();
-                                    }));
-#endif
+// A host that hides the window around ours says nothing to us.
+void CZSPGUI::closeMenusOfHiddenWindow() {
+    const bool isMenuOpen = juce::ModalComponentManager::getInstance()->getNumModalComponents() > 0;
+    if (isMenuOpen && isAttached_ && !system_.isViewable(getPeer()->getNativeHandle()))
+        juce::PopupMenu::dismissAllActiveMenus();
 }
 
 } // namespace zarno

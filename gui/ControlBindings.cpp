@@ -153,13 +153,51 @@ double defaultKnobPosition(int id) {
     return knobPositionFor(id, value, 0.0);
 }
 
-std::string knobText(const KnobBinding& knob, double position) {
-    double value = knob.value(position);
+namespace {
+
+bool isInPercent(const KnobBinding* knob, int id) {
+    return id == pitchBendKnobId || (knob != nullptr && *knob->unit == '\0');
+}
+
+std::string numberText(double value) {
     if (std::abs(value) < 0.005) value = 0.0; // no "-0.00"
     const int decimals = std::abs(value) < 10.0 ? 2 : std::abs(value) < 100.0 ? 1 : 0;
     char text[400]; // the longest number there is; printf would write it as the host's locale says
     const auto end = std::to_chars(text, std::end(text), value, std::chars_format::fixed, decimals).ptr;
-    return std::string(text, end) + knob.unit;
+    return {text, end};
+}
+
+} // namespace
+
+std::string knobText(int id, double position) {
+    const KnobBinding* knob = findKnob(id);
+    if (isControllerKnob(id)) return std::to_string(controllerValueAt(position));
+    if (id == pitchBendKnobId) return numberText(bendAt(position) * 100.0) + " %";
+    if (knob == nullptr) return numberText(position * 100.0) + " %";
+    return isInPercent(knob, id) ? numberText(knob->value(position) * 100.0) + " %"
+                                 : numberText(knob->value(position)) + knob->unit;
+}
+
+std::optional<double> positionFromText(int id, const std::string& text) {
+    const auto first = text.find_first_of("+-.,0123456789");
+    if (first == std::string::npos) return {};
+    std::string digits = text.substr(text[first] == '+' ? first + 1 : first);
+    std::replace(digits.begin(), digits.end(), ',', '.');
+    double value = 0.0;
+    if (std::from_chars(digits.data(), digits.data() + digits.size(), value).ec != std::errc()) return {};
+    const KnobBinding* knob = findKnob(id);
+    if (isInPercent(knob, id)) value /= 100.0;
+    if (knob == nullptr && id != pitchBendKnobId && !isControllerKnob(id))
+        return std::clamp(value / 100.0, 0.0, 1.0);
+    return knobPositionFor(id, value, 0.0);
+}
+
+std::string knobPurpose(int id) {
+    const KnobBinding* knob = findKnob(id);
+    if (id == pitchBendKnobId) return "Pitch bend";
+    if (isControllerKnob(id)) return "MIDI controller " + std::to_string(controllerNumber(id));
+    if (knob == nullptr) return "Drives nothing";
+    return std::string(knob->setting) + (knob->isOfGroup() ? " of the chosen groups" : " of the instrument");
 }
 
 } // namespace zarno

@@ -3,6 +3,7 @@
 
 #include "engine/Records.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <variant>
@@ -97,7 +98,11 @@ double knobPositionFor(int id, double value, double current);
 // Where a knob stands while its setting has its default, or while nothing is there for it to drive.
 double defaultKnobPosition(int id);
 
-// "-6.0 dB": the setting at a position, for people.
-std::string knobText(const KnobBinding& knob, double position);
+// "-6.00 dB": what a knob at a position means, for people. Settings without a unit are shown in percent.
+std::string knobText(int id, double position);
+// Where the knob with this id belongs for a typed value, with or without its unit; empty when it is no number.
+std::optional<double> positionFromText(int id, const std::string& text);
+// "Attack of the chosen groups": what a knob drives, for people.
+std::string knobPurpose(int id);
 
 } // namespace zarno

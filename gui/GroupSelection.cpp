@@ -7,6 +7,10 @@
 
 namespace zarno {
 
+bool staysActive(const ZGroup& group) {
+    return group.isReleaseTrigger() || group.record.trigger == static_cast<std::int32_t>(GroupTrigger::Always);
+}
+
 void GroupSelection::follow(const ZInstrument& engine, std::uint32_t loadGeneration) {
     generation_ = loadGeneration;
     indices_.clear();
@@ -15,14 +19,19 @@ void GroupSelection::follow(const ZInstrument& engine, std::uint32_t loadGenerat
         if (groups[i]->active) indices_.push_back(static_cast<int>(i));
 }
 
-void GroupSelection::pick(int group, bool toggle, std::uint32_t loadGeneration) {
-    const bool wasIn = contains(group, loadGeneration);
-    if (!toggle || generation_ != loadGeneration) indices_.clear();
-    generation_ = loadGeneration;
-    if (toggle && wasIn)
+void GroupSelection::pick(const ZInstrument& engine, int group, bool toggle, std::uint32_t loadGeneration) {
+    if (toggle && contains(group, loadGeneration)) {
         std::erase(indices_, group);
-    else
-        indices_.insert(std::lower_bound(indices_.begin(), indices_.end(), group), group);
+        return;
+    }
+    if (!toggle || generation_ != loadGeneration) {
+        follow(engine, loadGeneration);
+        std::erase_if(indices_, [&](int i) {
+            return !staysActive(*engine.groups()[static_cast<std::size_t>(i)]);
+        });
+        std::erase(indices_, group);
+    }
+    indices_.insert(std::lower_bound(indices_.begin(), indices_.end(), group), group);
 }
 
 const std::vector<int>& GroupSelection::indices(std::uint32_t loadGeneration) const {

@@ -29,8 +29,8 @@ struct LayoutColour {
 };
 // The colours that a layout may set, in the order in which they are applied.
 inline constexpr LayoutColour layoutColours[] = {
-    {0x1001312, ControlKind::Knob, "arc"},
-    {0x1001311, ControlKind::Knob, "body"},
+    {0x1001312, ControlKind::Knob, "ring"},
+    {0x1001311, ControlKind::Knob, "value on the ring"},
     {0x1000100, ControlKind::Button, "face"},
     {0x1000101, ControlKind::Button, "face while on"},
     {0x1000281, ControlKind::Label, "text"},

@@ -28,6 +28,19 @@ void DefaultBackground::draw(juce::Graphics& g) {
     g.drawImageTransformed(rendering_, juce::AffineTransform::scale(1.0f / scale_));
 }
 
+void PictureButton::paintButton(juce::Graphics& g, bool isOver, bool isDown) {
+    ImageButton::paintButton(g, isOver, isDown);
+    const auto area = getLocalBounds().toFloat();
+    if (text_.isNotEmpty()) {
+        g.setFont(juce::Font(juce::jlimit(8.0f, 14.0f, area.getHeight() * 0.62f)));
+        g.setColour(findColour(juce::TextButton::textColourOffId));
+        g.drawFittedText(text_, getLocalBounds(), juce::Justification::centred, 1);
+    }
+    if (!hasKeyboardFocus(true)) return;
+    g.setColour(juce::Colour(theme::accent));
+    g.drawRoundedRectangle(area.reduced(0.5f), 3.0f, 1.0f);
+}
+
 void DefaultStripButton::paintButton(juce::Graphics& g, bool, bool isDown) {
     constexpr float half = 17.0f;
     static const auto strip = drawableOf(pictures::buttonStripSvg);

@@ -22,6 +22,18 @@ class DefaultBackground {
     float scale_ = 0.0f;
 };
 
+// The button of layouts with a picture of their own: its text stands on the picture, and it shows its focus.
+class PictureButton final : public juce::ImageButton {
+  public:
+    explicit PictureButton(juce::String text)
+        : ImageButton("button")
+        , text_(std::move(text)) {}
+    void paintButton(juce::Graphics&, bool isOver, bool isDown) override;
+
+  private:
+    const juce::String text_;
+};
+
 // The button of layouts whose image number leads nowhere: a strip of 34 x 17, its left half the button as it
 // is, its right half pressed, fitted into the button.
 class DefaultStripButton final : public juce::ImageButton {

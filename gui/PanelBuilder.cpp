@@ -6,6 +6,8 @@
 #include "gui/ControlBindings.h"
 #include "gui/PanelArtwork.h"
 
+#include <algorithm>
+
 namespace zarno {
 namespace {
 
@@ -23,20 +25,35 @@ bool goesBothWays(int id) {
     return id == pitchBendKnobId || (knob != nullptr && knob->value(0.0) < 0.0 && knob->value(0.5) == 0.0);
 }
 
-void setUpKnob(juce::Slider& knob, const ControlDescription& description, juce::Component& panel) {
+void setUpKnob(PanelKnob& knob, const ControlDescription& description, KnobOwner* owner) {
     const int id = description.id;
     knob.setTitle(description.text.isNotEmpty() ? description.text : knobName(id));
-    knob.setWantsKeyboardFocus(true);
-    knob.setPopupDisplayEnabled(true, false, &panel);
+    knob.setTooltip(knobPurpose(id));
+    knob.setOwner(owner);
     if (goesBothWays(id)) knob.getProperties().set("fromMiddle", true);
     knob.setValue(defaultKnobPosition(id), juce::dontSendNotification);
-    knob.setDoubleClickReturnValue(true, defaultKnobPosition(id));
-    knob.textFromValueFunction = [id](double position) -> juce::String {
-        if (const KnobBinding* binding = findKnob(id)) return knobText(*binding, position);
-        return isControllerKnob(id) ? juce::String(static_cast<int>(position * 127.0))
-                                    : juce::String(juce::roundToInt(position * 100.0)) + " %";
-    };
+    knob.textFromValueFunction = [id](double position) { return juce::String(knobText(id, position)); };
     knob.updateText();
+}
+
+// The order of Tab: by rows, which are as high as half a control, and from left to right.
+void orderByRows(const std::vector<std::unique_ptr<juce::Component>>& controls) {
+    std::vector<juce::Component*> sorted;
+    for (const auto& control : controls)
+        sorted.push_back(control.get());
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](auto* a, auto* b) { return a->getBounds().getCentreY() < b->getBounds().getCentreY(); });
+    for (auto row = sorted.begin(); row != sorted.end();) {
+        const auto* first = *row;
+        const auto end = std::find_if(row, sorted.end(), [first](auto* control) {
+            return control->getBounds().getCentreY() > first->getBounds().getCentreY() + first->getHeight() / 2;
+        });
+        std::stable_sort(row, end, [](auto* a, auto* b) { return a->getX() < b->getX(); });
+        row = end;
+    }
+    int place = 0;
+    for (auto* control : sorted)
+        control->setExplicitFocusOrder(++place);
 }
 
 void setProperties(juce::Component& control, const ControlDescription& description) {
@@ -71,6 +88,7 @@ PanelControls PanelBuilder::build(Layout layout) {
         setProperties(*control, description);
         panel_.addAndMakeVisible(control);
     }
+    orderByRows(controls_.all);
     return std::move(controls_);
 }
 
@@ -111,17 +129,15 @@ juce::Component* PanelBuilder::makeLabel(const ControlDescription& description) 
 
 juce::Component* PanelBuilder::makeKnob(const ControlDescription& description) {
     const auto strip = description.image ? images_.find(*description.image) : juce::Image();
-    juce::Slider* knob = nullptr;
+    PanelKnob* knob = nullptr;
     if (strip.isValid()) {
         auto filmKnob = std::make_unique<CKnob>();
         filmKnob->setImage(strip);
         knob = keep(controls_.knobs, std::move(filmKnob));
     } else {
-        knob = keep(controls_.knobs, std::make_unique<juce::Slider>(juce::Slider::RotaryVerticalDrag,
-                                                                    juce::Slider::NoTextBox));
-        knob->setRange(0.0, 1.0, 0.0);
+        knob = keep(controls_.knobs, std::make_unique<PanelKnob>());
     }
-    setUpKnob(*knob, description, panel_);
+    setUpKnob(*knob, description, listeners_.knobOwner);
     if (listeners_.knobs != nullptr) knob->addListener(listeners_.knobs);
     return knob;
 }
@@ -135,6 +151,7 @@ juce::Component* PanelBuilder::makeCombo(const ControlDescription& description) 
             combo->addItem(text, ++item);
     }
     combo->setTitle(binding != nullptr ? binding->setting : "List");
+    combo->setTooltip(combo->getTitle());
     combo->setWantsKeyboardFocus(true);
     if (listeners_.combos != nullptr) combo->addListener(listeners_.combos);
     return combo;
@@ -146,7 +163,7 @@ juce::Component* PanelBuilder::makeButton(const ControlDescription& description)
         button = keep(controls_.buttons, std::make_unique<juce::TextButton>());
         button->setButtonText(description.text);
     } else if (const auto strip = images_.find(*description.image); strip.isValid()) {
-        auto picture = std::make_unique<juce::ImageButton>("button");
+        auto picture = std::make_unique<PictureButton>(description.text);
         const int half = strip.getWidth() / 2;
         const auto part = [&](int x) { return strip.getClippedImage({x, 0, half, strip.getHeight()}); };
         picture->setImages(false, true, true, part(0), 1.0f, {}, part(0), 1.0f, {}, part(half), 1.0f, {});
@@ -157,6 +174,7 @@ juce::Component* PanelBuilder::makeButton(const ControlDescription& description)
     const ButtonBinding* binding = findButton(description.id);
     const char* setting = binding != nullptr ? binding->setting : "Button";
     button->setTitle(description.text.isNotEmpty() ? description.text : setting);
+    button->setTooltip(setting);
     button->setClickingTogglesState(description.flag);
     button->setWantsKeyboardFocus(true);
     if (listeners_.buttons != nullptr) button->addListener(listeners_.buttons);

@@ -3,6 +3,7 @@
 
 #include "gui/ImageShelf.h"
 #include "gui/LayoutReader.h"
+#include "gui/PanelKnob.h"
 
 #include <juce_audio_utils/juce_audio_utils.h>
 
@@ -18,6 +19,7 @@ struct ControlListeners {
     juce::Slider::Listener* knobs = nullptr;
     juce::Button::Listener* buttons = nullptr;
     juce::ComboBox::Listener* combos = nullptr;
+    KnobOwner* knobOwner = nullptr;
 };
 
 // A panel's controls by kind, in creation order. The panel owns them all; these only point.

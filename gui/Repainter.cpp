@@ -3,9 +3,14 @@
 
 namespace zarno {
 
-void Repainter::paintWhatWaits() const {
-    constexpr juce::uint32 patienceMs = 200;
-    if (juce::Time::getMillisecondCounter() - lastBlank_ < patienceMs) return;
+void Repainter::paintWhatWaits() {
+    constexpr juce::uint32 whileMs = 1000, patienceMs = 200;
+    const auto now = juce::Time::getMillisecondCounter();
+    auto* top = window_.getTopLevelComponent();
+    if (const auto* peer = top->getPeer())
+        if (std::exchange(seenBounds_, peer->getBounds()) != peer->getBounds()) changedAt_ = now;
+    if (now - changedAt_ < whileMs) top->repaint();
+    if (now - lastBlank_ < patienceMs) return;
     for (int i = 0; i < juce::ComponentPeer::getNumPeers(); ++i)
         juce::ComponentPeer::getPeer(i)->performAnyPendingRepaintsNow();
 }

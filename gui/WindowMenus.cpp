@@ -32,12 +32,20 @@ juce::PopupMenu makeInstrumentMenu(const juce::StringArray& titles, int current)
     return menu;
 }
 
-juce::PopupMenu makeGroupMenu(const juce::StringArray& names, const std::vector<int>& selection) {
+juce::PopupMenu makeGroupMenu(const std::vector<GroupEntry>& groups, const std::vector<int>& selection) {
     juce::PopupMenu menu;
     menu.addSectionHeader("Group List");
-    for (int i = 0; i < names.size(); ++i)
-        menu.addItem(i + 1, names[i], true,
-                     std::find(selection.begin(), selection.end(), i) != selection.end());
+    for (std::size_t i = 0; i < groups.size(); ++i) {
+        const int index = static_cast<int>(i);
+        juce::PopupMenu::Item item(groups[i].name);
+        item.setID(index + 1);
+        item.setTicked(std::find(selection.begin(), selection.end(), index) != selection.end());
+        item.shortcutKeyDescription = groups[i].note;
+        menu.addItem(std::move(item));
+    }
+    if (groups.size() < 2) return menu;
+    menu.addSeparator();
+    menu.addItem(-1, "With Ctrl or Shift: add or take away", false);
     return menu;
 }
 
@@ -57,14 +65,13 @@ juce::PopupMenu makeMissingMenu(const EditorLink::Missing& missing) {
     return menu;
 }
 
-juce::PopupMenu makeZoomMenu(int percent, const juce::StringArray& information) {
+juce::PopupMenu makeZoomMenu(int percent, int largest) {
     juce::PopupMenu menu;
     menu.addSectionHeader("Zoom");
     for (const int step : zoomPercents)
-        menu.addItem(step, juce::String(step) + " %", true, step == percent);
+        menu.addItem(step, juce::String(step) + " %", step <= largest, step == percent);
     menu.addSeparator();
-    for (const auto& line : information)
-        menu.addItem(-1, line, false, false);
+    menu.addItem(-1, "Ctrl with wheel, +, - and 0", false);
     return menu;
 }
 

@@ -4,7 +4,6 @@
 #include "data/Limits.h"
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
-#include "platform/Module.h"
 #include "platform/Paths.h"
 #include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
@@ -20,16 +19,6 @@ juce::String fromUtf8(const std::string& text) {
     return juce::String::fromUTF8(text.data(), (int) text.size());
 }
 
-// Empty when the file system does not answer: the host goes on without it.
-Library scanLibrary() {
-    const auto library = std::make_shared<Library>();
-    auto folders = libraryFoldersBeside(modulePaths());
-    folders.push_back(userLibraryFolder());
-    const bool answers = runWithTimeout(
-        limits::stalledDiskMs, [=](const SignOfLife& alive) { *library = Library::scan(folders, alive); });
-    return answers ? std::move(*library) : Library::unanswered();
-}
-
 // A file system that does not answer counts as one that does not have the file.
 bool isThere(const std::string& path) {
     const auto found = std::make_shared<bool>(false);
@@ -42,14 +31,14 @@ bool isThere(const std::string& path) {
 CZSP::CZSP()
     : AudioProcessor(BusesProperties().withOutput("Output", juce::AudioChannelSet::stereo(), true))
     , Thread("ZSP Loading Thread")
+    , library_(libraryFolders())
     , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
-    library_ = scanLibrary();
     auto lookAndFeel = std::make_unique<CLookAndFeel>();
     lookAndFeel->install();
     lookAndFeel_ = std::move(lookAndFeel);
     engine_.setDelegate(this);
-    if (!library_.entries.empty()) selectInstrument(0, {}, false, true);
+    if (!library()->entries.empty()) selectInstrument(0, {}, false, true);
 }
 
 // The loading thread looks for the signal every few milliseconds and never waits for this one.
@@ -102,6 +91,7 @@ void CZSP::postEvents(const juce::MidiBuffer& midi) {
 // outlives the block.
 void CZSP::processBlock(juce::AudioBuffer<float>& audio, juce::MidiBuffer& midi) {
     const thread::Acts asAudio(thread::audio);
+    const ActivityMeter::Block measured(activity_, audio, engine_.sampleRate());
     const bool isSilent = bypassed_;
     if (isSilent) engine_.requestStop();
     postEvents(midi);
@@ -119,7 +109,7 @@ juce::AudioProcessorEditor* CZSP::createEditor() {
 }
 
 int CZSP::getCurrentProgram() {
-    return std::max(library_.indexOf(loads_.current().path), 0);
+    return std::max(library()->indexOf(loads_.current().path), 0);
 }
 
 void CZSP::setCurrentProgram(int index) {
@@ -127,12 +117,13 @@ void CZSP::setCurrentProgram(int index) {
 }
 
 const juce::String CZSP::getProgramName(int index) {
-    return library_.contains(index) ? fromUtf8(library_.entries[static_cast<std::size_t>(index)].title)
+    const auto titles = library();
+    return titles->contains(index) ? fromUtf8(titles->entries[static_cast<std::size_t>(index)].title)
                                     : juce::String();
 }
 
 int CZSP::getNumRows() {
-    return static_cast<int>(library_.entries.size());
+    return static_cast<int>(library()->entries.size());
 }
 
 void CZSP::paintListBoxItem(int row, juce::Graphics& graphics, int width, int height, bool selected) {
@@ -148,7 +139,7 @@ void CZSP::listBoxItemDoubleClicked(int row, const juce::MouseEvent&) {
 
 bool CZSP::loadProgress(float fraction, const char*, const char*) {
     progress_ = fraction;
-    return !threadShouldExit();
+    return !threadShouldExit() && !cancelRequested_;
 }
 
 void CZSP::groupsChanged() {
@@ -156,7 +147,7 @@ void CZSP::groupsChanged() {
 }
 
 void CZSP::selectInstrument(int index, const juce::String& path, bool reapply, bool synchronous) {
-    const auto [target, targetIndex] = library_.resolve(index, path.toStdString());
+    const auto [target, targetIndex] = library()->resolve(index, path.toStdString());
     if (target.empty()) {
         if (reapply) loadRunner_.applyState(splitChunk(loads_.saved().chunk).tail);
     } else if (synchronous) {
@@ -179,7 +170,7 @@ void CZSP::loadAgain() {
 }
 
 void CZSP::loadInstead(const juce::String& path) {
-    const auto [target, index] = library_.resolve(-1, path.toStdString());
+    const auto [target, index] = library()->resolve(-1, path.toStdString());
     if (loads_.replaceMissing(target, index)) startLoading();
 }
 
@@ -203,6 +194,7 @@ void CZSP::run() {
 }
 
 void CZSP::performLoad() {
+    cancelRequested_ = false;
     loadRunner_.perform();
     loadGeneration_.fetch_add(1, std::memory_order_relaxed);
     if (!threadShouldExit()) editorPort_.postEndOfLoad();
@@ -225,9 +217,10 @@ void CZSP::setStateInformation(const void* data, int size) {
     if (wanted.empty()) return;
     // After a library has moved, the instrument of the same file name stands in.
     std::string path = wanted;
-    if (const int standIn = library_.indexOfFileName(wanted); standIn >= 0 && !isThere(wanted))
-        path = library_.entries[static_cast<std::size_t>(standIn)].path;
-    loadNow({path, library_.indexOf(path), {chunk.begin(), chunk.end()}, {tail.begin(), tail.end()}});
+    const auto library = this->library();
+    if (const int standIn = library->indexOfFileName(wanted); standIn >= 0 && !isThere(wanted))
+        path = library->entries[static_cast<std::size_t>(standIn)].path;
+    loadNow({path, library->indexOf(path), {chunk.begin(), chunk.end()}, {tail.begin(), tail.end()}});
 }
 
 void CZSP::tellHostOfChange() {

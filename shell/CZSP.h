@@ -3,9 +3,10 @@
 
 #include "engine/ZInstrument.h"
 #include "engine/ZSEDelegate.h"
+#include "shell/ActivityMeter.h"
 #include "shell/EditorPort.h"
 #include "shell/KeyboardRoute.h"
-#include "shell/Library.h"
+#include "shell/LiveLibrary.h"
 #include "shell/LoadController.h"
 #include "shell/LoadRunner.h"
 #include "shell/ModuleIdentity.h"
@@ -91,6 +92,9 @@ class CZSP final : public juce::AudioProcessor,
     /// settings.
     void loadInstead(const juce::String& path);
 
+    /// [any] Ends the running load, if there is one.
+    void cancelLoad() { cancelRequested_ = true; }
+
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
@@ -99,7 +103,10 @@ class CZSP final : public juce::AudioProcessor,
 
     ZInstrument& engine() { return engine_; }
     const ModuleIdentity& identity() const { return identity_; }
-    const Library& library() const { return library_; }
+    /// [any] What is in the library now.
+    std::shared_ptr<const Library> library() const { return library_.get(); }
+    LiveLibrary& liveLibrary() { return library_; }
+    const ActivityMeter& activityMeter() const { return activity_; }
     Settings& settings() { return settings_; }
     KeyboardRoute& keyboardRoute() { return keyboardRoute_; }
     const LoadController& loads() const { return loads_; }
@@ -120,7 +127,9 @@ class CZSP final : public juce::AudioProcessor,
 
     ZInstrument engine_;
     KeyboardRoute keyboardRoute_{engine_};
-    Library library_;
+    LiveLibrary library_;
+    ActivityMeter activity_;
+    std::atomic<bool> cancelRequested_{false}; // of the running load
     std::atomic<bool> bypassed_{false};
     std::atomic<double> progress_{-1.0};
     std::atomic<std::uint32_t> groupsGeneration_{0}, loadGeneration_{0};

@@ -113,6 +113,31 @@ class EditorLink {
 
     /// Where the panel publishes its keyboard state.
     virtual KeyboardRoute& keyboardRoute() = 0;
+
+    /// What the audio thread does; all zero when nothing has been rendered for a moment.
+    struct Activity {
+        float peak = 0.0f; ///< of the output, 1 is full scale
+        double cpu = 0.0;  ///< share of the time that the host gives for a block
+    };
+    virtual Activity activity() = 0;
+    /// Nothing renders, and that is this program's own business: it runs without a host.
+    virtual bool lacksAudioDevice() const = 0;
+    /// Where the user chooses an audio device; not in a host.
+    virtual bool hasAudioSettings() const = 0;
+    virtual void showAudioSettings() = 0;
+
+    /// Full paths, in the order of instrumentTitles.
+    virtual juce::StringArray instrumentPaths() const = 0;
+    /// The folders that hold the library, whether they are there or not; first the one to put instruments into.
+    virtual juce::StringArray libraryFolders() const = 0;
+    /// Reads the library again, in the background. While the window asks for the generation that happens by itself
+    /// after a folder has changed.
+    virtual void refreshLibrary() = 0;
+    /// Counts the changes of the library.
+    virtual std::uint32_t libraryGeneration() = 0;
+
+    /// Ends the running load, if there is one; nothing is loaded then.
+    virtual void cancelLoad() = 0;
 };
 
 } // namespace zarno

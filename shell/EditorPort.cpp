@@ -5,6 +5,7 @@
 #include "platform/ThreadRole.h"
 #include "platform/Utf8.h"
 #include "shell/CZSP.h"
+#include "shell/StandaloneHooks.h"
 
 namespace zarno {
 namespace {
@@ -45,7 +46,8 @@ void EditorPort::showEndOfLoad() {
     if (window == nullptr || isLoading()) return;
     window->loadingFinished();
     askForMissingSamples(*window);
-    if (!lastLoadSucceeded()) window->loadFailed();
+    const bool isCancelled = processor_.loadRunner().report().result.problem.kind == LoadProblem::Kind::Cancelled;
+    if (!lastLoadSucceeded() && !isCancelled) window->loadFailed();
 }
 
 // What a load did not ask, because its caller waited and the dialog may depend on the caller's return.
@@ -82,10 +84,14 @@ juce::StringArray EditorPort::instrumentTitles() const {
 }
 
 juce::String EditorPort::libraryProblem() const {
-    return fromEngine(processor_.library().leftOut);
+    return fromEngine(processor_.library()->leftOut);
 }
+
 int EditorPort::currentIndex() const {
-    return processor_.loads().current().index;
+    const auto [path, index] = processor_.loads().current();
+    const auto library = processor_.library(); // which may have been read again since the choice
+    const bool isThere = library->contains(index) && library->entries[static_cast<std::size_t>(index)].path == path;
+    return isThere ? index : library->indexOf(path);
 }
 
 void EditorPort::selectInstrument(int index, const juce::String& path) {
@@ -152,6 +158,63 @@ void EditorPort::editEnded() {
 }
 KeyboardRoute& EditorPort::keyboardRoute() {
     return processor_.keyboardRoute();
+}
+
+EditorLink::Activity EditorPort::activity() {
+    constexpr juce::uint32 pauseMs = 200;
+    const auto reading = processor_.activityMeter().read();
+    const auto now = juce::Time::getMillisecondCounter();
+    if (std::exchange(blocksSeen_, reading.blocks) != reading.blocks) blockSeenAt_ = now;
+    return now - blockSeenAt_ < pauseMs ? Activity{reading.peak, reading.cpu} : Activity{};
+}
+
+bool EditorPort::lacksAudioDevice() const {
+    return StandaloneHooks::lacksAudioDevice && StandaloneHooks::lacksAudioDevice();
+}
+
+bool EditorPort::hasAudioSettings() const {
+    return StandaloneHooks::showAudioSettings != nullptr;
+}
+
+void EditorPort::showAudioSettings() {
+    if (StandaloneHooks::showAudioSettings) StandaloneHooks::showAudioSettings();
+}
+
+juce::StringArray EditorPort::instrumentPaths() const {
+    juce::StringArray paths;
+    const auto library = processor_.library();
+    for (const auto& entry : library->entries)
+        paths.add(juce::String::fromUTF8(entry.path.c_str()));
+    return paths;
+}
+
+// The folder beside the module is one that the user made, or cannot write to.
+juce::StringArray EditorPort::libraryFolders() const {
+    juce::StringArray folders;
+    for (const auto& folder : processor_.liveLibrary().folders())
+        if (!folder.empty()) folders.add(juce::String::fromUTF8(folder.c_str()));
+    if (folders.size() > 1 && !isFolder(folders[0].toStdString())) folders.move(0, folders.size() - 1);
+    return folders;
+}
+
+void EditorPort::refreshLibrary() {
+    processor_.liveLibrary().refresh(false);
+}
+
+std::uint32_t EditorPort::libraryGeneration() {
+    constexpr juce::uint32 pauseMs = 3000;
+    const auto now = juce::Time::getMillisecondCounter();
+    auto& library = processor_.liveLibrary();
+    library.takeUp();
+    if (now - libraryCheckedAt_ > pauseMs) {
+        libraryCheckedAt_ = now;
+        library.refresh(true);
+    }
+    return library.generation();
+}
+
+void EditorPort::cancelLoad() {
+    processor_.cancelLoad();
 }
 
 } // namespace zarno

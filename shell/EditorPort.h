@@ -54,6 +54,15 @@ class EditorPort final : public EditorLink {
     juce::String vendorText() const override;
     void editEnded() override;
     KeyboardRoute& keyboardRoute() override;
+    Activity activity() override;
+    bool lacksAudioDevice() const override;
+    bool hasAudioSettings() const override;
+    void showAudioSettings() override;
+    juce::StringArray instrumentPaths() const override;
+    juce::StringArray libraryFolders() const override;
+    void refreshLibrary() override;
+    std::uint32_t libraryGeneration() override;
+    void cancelLoad() override;
 
   private:
     void showEndOfLoad();
@@ -64,6 +73,9 @@ class EditorPort final : public EditorLink {
     std::atomic<std::uint32_t> windowNumber_{0};
     const std::shared_ptr<MessageCall> endOfLoad_ = MessageCall::make([this] { showEndOfLoad(); });
     std::optional<std::uint32_t> reportedLoad_;
+    juce::uint32 libraryCheckedAt_ = 0; // ms
+    juce::uint32 blockSeenAt_ = 0;      // ms
+    std::uint32_t blocksSeen_ = 0;
 };
 
 } // namespace zarno

@@ -3,6 +3,7 @@
 #include "tests/support/Chance.h"
 #include "tests/support/InstrumentBuilder.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/ThreadNames.h"
 #include "tests/support/WaveBuilder.h"
 
 #include <chrono>

@@ -32,6 +32,20 @@ SAMPLE_PEAK = 0.89  # waves are stored near full scale; the zone's volume sets t
 
 ROUND_ROBIN, STACK = 1, 0
 ALWAYS, NOTE = 0, 2
+EXPRESSION = 2  # what the LFO moves: with Pan it would overwrite the panel's pan knob
+
+KNOB = '<knob x="{}" y="{}" width="40" height="40" 2="{}" 16782198="66dfc4c4" 16782197="7fdadadc"/>'
+KNOBS = ((75, 123, 101), (148, 124, 102), (222, 123, 103), (309, 124, 104), (393, 124, 2), (477, 124, 3))
+# The built-in layout with a keyboard that reaches the keyswitches, and names on its C keys.
+LAYOUT = "\n".join((
+    '<?xml version="1.0" encoding="UTF-8"?><player width="593" height="242">',
+    '<label x="173" y="62" width="286" height="21" 2="1" 16777957="ffffffff"/>',
+    '<label x="149" y="82" width="317" height="23" 2="2" 16777957="ffffffff"/>',
+    f'<keyboard x="9" y="180" width="574" height="60" 3="1" 4="{TINE_SWITCH},{LAST_KEY}"/>',
+    *(KNOB.format(*knob) for knob in KNOBS),
+    '<button x="471" y="82" width="24" height="22" 2="9" 1="0"/>',
+    "</player>",
+))
 
 
 class Progress:
@@ -171,7 +185,7 @@ def instrument(groups):
         "storage": "external",
         "name": "Lantern Tines",
         "title": "Lantern Tines",
-        "text": "Electric tine piano. Keyswitches: C1 tine piano, C#1 mallet. Mod wheel: stereo tremolo.",
+        "text": "Electric tine piano. Keyswitches: C1 tine piano, C#1 mallet. Mod wheel: tremolo.",
         "settings": {
             "streaming": 0,
             "sixteenBit": 1,
@@ -181,11 +195,12 @@ def instrument(groups):
             "velocityFloor": -40,
             "volume": 2.0,
             "lfoShape": 1,
-            "lfoDestination": 3,
+            "lfoDestination": EXPRESSION,
             "lfoDepthSource": 1,
             "lfoRate": 4.6,
             "reverbSend": 0.2,
         },
+        "layout": "layout.xml",
         "groups": groups,
     }
 
@@ -201,6 +216,7 @@ def main():
     progress = Progress(notes + len(MALLET_KEYS) * len(mallet.LAYERS) + 12)
     builder = Builder(folder, progress)
     groups = [builder.tine_group(), builder.mallet_group(), builder.release_group()]
+    (folder / "layout.xml").write_text(LAYOUT + "\n")
     (folder / "instrument.json").write_text(json.dumps(instrument(groups), indent=1) + "\n")
     size = sum(path.stat().st_size for path in folder.glob("samples/*.wav"))
     print(f"{folder}: {progress.total} samples, {size / 1e6:.1f} MB")

@@ -252,20 +252,22 @@ TEST_F(PanelBindings, GroupsPickedInTheWindowAreActiveFromTheNextBlockOn) {
 }
 
 TEST_F(PanelBindings, TheSelectionBelongsToOneLoad) {
+    for (const auto& group : engine.groups())
+        group->record.trigger = static_cast<std::int32_t>(GroupTrigger::Manual);
     GroupSelection chosen;
     EXPECT_TRUE(chosen.indices(1).empty());
     engine.activateGroup(engine.groups()[2].get());
     engine.activateGroup(engine.groups()[0].get());
     chosen.follow(engine, 7);
     EXPECT_THAT(chosen.indices(7), ElementsAre(0, 2));
-    chosen.pick(1, true, 7);
+    chosen.pick(engine, 1, true, 7);
     EXPECT_THAT(chosen.indices(7), ElementsAre(0, 1, 2));
-    chosen.pick(0, true, 7);
+    chosen.pick(engine, 0, true, 7);
     EXPECT_THAT(chosen.indices(7), ElementsAre(1, 2));
-    chosen.pick(1, false, 7);
+    chosen.pick(engine, 1, false, 7);
     EXPECT_THAT(chosen.indices(7), ElementsAre(1));
     EXPECT_TRUE(chosen.indices(8).empty()) << "another load";
-    chosen.pick(0, true, 8);
+    chosen.pick(engine, 0, true, 8);
     EXPECT_THAT(chosen.indices(8), ElementsAre(0));
     selection = {-1, 3, 99};
     edits().knobMoved(101, 0.0); // groups that do not exist

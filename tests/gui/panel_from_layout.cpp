@@ -182,6 +182,7 @@ TEST_F(PanelFromLayout, EveryControlHasANameAndAPlaceInTabOrder) {
     for (const auto& control : panel.controls().all) {
         EXPECT_TRUE(control->getTitle().isNotEmpty());
         EXPECT_TRUE(control->getWantsKeyboardFocus());
+        EXPECT_TRUE(dynamic_cast<juce::TooltipClient&>(*control).getTooltip().isNotEmpty());
     }
     EXPECT_EQ(panel.controls().knobs[0]->getTitle(), "Glide time");
     EXPECT_EQ(panel.controls().knobs[1]->getTextFromValue(1.0), "6.00 dB");

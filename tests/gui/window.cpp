@@ -213,12 +213,12 @@ TEST_F(WindowOnScreen, FilesDroppedOnItLoad) {
     window->addToDesktop(0);
     juce::ComponentPeer::DragInfo drag;
     drag.position = controls().keyboards[0]->getBounds().getCentre(); // wherever in the window
-    drag.files = {"/a.wav"};
-    EXPECT_FALSE(window->getPeer()->handleDragMove(drag));
-    window->getPeer()->handleDragExit(drag);
-    drag.files.add("/b.ZSE");
-    EXPECT_TRUE(window->getPeer()->handleDragMove(drag));
-    window->filesDropped(drag.files, 0, 0);
+    for (const char* file : {"/a.wav", "/b.ZSE"}) { // the first is refused, and does not bar the second
+        drag.files = {file};
+        EXPECT_TRUE(window->getPeer()->handleDragMove(drag)) << file;
+        EXPECT_TRUE(window->getPeer()->handleDragDrop(drag)) << file;
+        window->filesDropped(drag.files, 0, 0); // which JUCE posts
+    }
     EXPECT_THAT(link.selected, ElementsAre(Selected(-1, "/b.ZSE")));
 }
 
@@ -311,8 +311,8 @@ TEST(Menus, ListInstrumentsGroupsAndWhatIsMissing) {
     EXPECT_THAT(describe(makeInstrumentMenu({"A", "B"}, 1)),
                 ElementsAre("# Instrument List", "1 A", "2 B *"));
     EXPECT_THAT(describe(makeGroupMenu({}, {})), ElementsAre("# Group List"));
-    EXPECT_THAT(describe(makeGroupMenu({"x", "y", "z"}, {0, 2})),
-                ElementsAre("# Group List", "1 x *", "2 y", "3 z *"));
+    EXPECT_THAT(describe(makeGroupMenu({{"x", ""}, {"y", "always"}, {"z", ""}}, {0, 2})),
+                ElementsAre("# Group List", "1 x *", "2 y", "3 z *", "- With Ctrl or Shift: add or take away"));
 
     EditorLink::Missing missing;
     EXPECT_EQ(missingText(missing), "");

@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 # SPDX-License-Identifier: GPL-3.0-or-later
-"""Puts a region of four notes on the MIDI track of an Ardour session that was saved without one.
+"""Puts a region on every MIDI track of an Ardour session that was saved without one: four notes, or a MIDI file of
+1920 ticks to the quarter note, of up to 20 seconds.
 
-usage: ardour_song.py SESSION_FOLDER
+usage: ardour_song.py SESSION_FOLDER [SONG.mid]
 """
 import struct
 import sys
@@ -23,17 +24,19 @@ def song():
 def main():
     folder = Path(sys.argv[1])
     path = folder / "song.ardour"
-    (folder / "interchange" / "song" / "midifiles" / "notes.mid").write_bytes(song())
+    notes = Path(sys.argv[2]).read_bytes() if len(sys.argv) > 2 else song()
+    quarters = 40 if len(sys.argv) > 2 else 4
+    (folder / "interchange" / "song" / "midifiles" / "notes.mid").write_bytes(notes)
     tree = ElementTree.parse(path)
     root = tree.getroot()
     source, region = "900001", "900002"
-    length = f"b{4 * TICKS}@b0"
+    length = f"b{quarters * TICKS}@b0"
     ElementTree.SubElement(root.find("Sources"), "Source", name="notes.mid", type="midi", flags="", id=source)
     at = dict(name="notes", type="midi", start="b0", length=length, channels="1", opaque="1", muted="0")
     at.update({"source-0": source, "master-source-0": source, "first-edit": "nothing"})
     ElementTree.SubElement(root.find("Regions"), "Region", at, id=region, **{"whole-file": "1"})
-    playlist = root.find("Playlists/Playlist[@type='midi']")
-    ElementTree.SubElement(playlist, "Region", at, id=str(int(region) + 1))
+    for number, playlist in enumerate(root.findall("Playlists/Playlist[@type='midi']")):
+        ElementTree.SubElement(playlist, "Region", at, id=str(int(region) + 1 + number))
     root.set("id-counter", "1000000")
     tree.write(path, encoding="UTF-8", xml_declaration=True)
 

@@ -2,10 +2,10 @@
 // Pictures of the window for documents and for eyes: the real window over a stand-in for the processor, on
 // whatever screen there is. Everything that is open is drawn into one picture, menus included.
 //
-//   zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]
+//   zarno_window_pictures ZOOM OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]
 //
-// EXAMPLE_FOLDER holds layout.xml and panel.png of an example panel. With APPROVED_FOLDER, pictures that
-// differ from those there are a failure.
+// ZOOM: in percent. EXAMPLE_FOLDER holds layout.xml and panel.png of an example panel. With APPROVED_FOLDER,
+// pictures that differ from those there are a failure.
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
 #include "tests/gui/support/FakeLink.h"
@@ -37,20 +37,28 @@ void fillEngine(FakeLink& link) {
     engine.groups()[0]->record.release = 300.0f;
     engine.settings().volume = -6.0f;
     engine.activateGroup(engine.groups()[0].get());
+    engine.texts().title = "Lantern Tines";
+    engine.texts().remark = "A tine piano and a mallet instrument, computed.";
     link.titles = {"Lantern Tines", "Glass Bells", "Harbour Organ", "Felt Upright"};
+    link.paths = {"/library/Lantern Tines.zse", "/library/Bells/glass.zse", "/library/Organs/harbour.zse",
+                  "/library/Keys/felt.zse"};
+    link.settings["recent instruments"] = "/library/Organs/harbour.zse";
+    link.heard = {0.25f, 0.03};
     link.index = 0;
+    ++link.library;
     ++link.loads;
     ++link.groups;
 }
 
 class Session final : private juce::Timer {
   public:
-    Session(juce::File output, juce::File example, juce::File approved)
+    Session(int zoom, juce::File output, juce::File example, juce::File approved)
         : output_(std::move(output))
         , example_(std::move(example))
         , approved_(std::move(approved)) {
         lookAndFeel_.install();
         fillEngine(link_);
+        link_.settings["zoom"] = juce::String(zoom);
         window_ = std::make_unique<CZSPGUI>(processor_, link_);
         window_->setOpaque(true);
         window_->addToDesktop(juce::ComponentPeer::windowHasTitleBar);
@@ -59,14 +67,25 @@ class Session final : private juce::Timer {
         window_->toFront(true);
         juce::Desktop::setMousePosition({1390, 890}); // over no key
         holdKeys();
+        auto& bar = window_->statusBar();
         steps_ = {{"default", [] {}},
-                  {"instrument-menu", [this] { window_->showInstrumentMenu(window_->statusBar()); }},
-                  {"group-menu", [this] { window_->showGroupMenu(window_->statusBar()); }},
-                  {"instrument-list", [this] { window_->openInstrumentList(); }},
+                  {"instrument-menu", [&] { window_->dialogs().showInstrumentMenu(bar); }},
+                  {"group-menu", [&] { window_->showGroupMenu(bar); }},
+                  {"zoom-menu", [&] { bar.onZoom(bar); }},
+                  {"value", [this] { turnKnob(); }},
+                  {"type-value", [this] { window_->knobs().typeKnobValue(knob(1)); }},
+                  {"knob-menu", [this] { openKnobMenu(); }},
+                  {"browser", [this] { window_->openBrowser(); }},
+                  {"browser-search", [this] { window_->browser().search("or"); }},
+                  {"instrument-list", [this] { openList(); }},
+                  {"about", [this] { openAbout(); }},
                   {"loading", [this] { load(0.4); }},
                   {"missing-samples", [this] { miss(); }},
-                  {"example", [this] { showExample(); }},
-                  {"zoom-200", [this] { zoom(); }}};
+                  {"failed-load", [this] { fail(); }},
+                  {"drop-taken", [this] { window_->fileDragEnter({"/tmp/Tines.zse"}, 0, 0); }},
+                  {"drop-refused", [this] { window_->fileDragEnter({"/tmp/Strings.sfz"}, 0, 0); }},
+                  {"first-run", [this] { empty(); }},
+                  {"example", [this] { showExample(); }}};
         startTimer(stepMs);
     }
 
@@ -83,8 +102,41 @@ class Session final : private juce::Timer {
         window_->loadingFinished();
         holdKeys(); // the new panel's own
     }
-    void load(double progress) {
+    PanelKnob& knob(std::size_t index) {
+        return dynamic_cast<PanelKnob&>(*window_->panel().controls().knobs[index]);
+    }
+    void turnKnob() { knob(1).setValue(0.6, juce::sendNotificationSync); }
+    void openKnobMenu() {
+        window_->knobs().bubble().hide();
+        window_->knobs().showKnobMenu(knob(4));
+    }
+    void openList() {
+        window_->browser().setVisible(false);
         window_->openInstrumentList();
+    }
+    void openAbout() {
+        window_->openInstrumentList(); // which closes it
+        window_->openAbout();
+    }
+    void fail() {
+        link_.missing = {};
+        link_.succeeded = false;
+        link_.report = {"Harbour Organ.zse", "Harbour Organ.zse ends at byte 4096, before the instrument does.", true,
+                        false};
+        finishLoading();
+    }
+    void empty() {
+        window_->fileDragExit({});
+        link_.succeeded = true;
+        link_.report = {};
+        link_.titles.clear();
+        link_.paths.clear();
+        link_.index = -1;
+        ++link_.library;
+        link_.instrument.clear();
+        finishLoading();
+    }
+    void load(double progress) {
         link_.loading = true;
         link_.progress = progress;
         window_->loadingStarted();
@@ -94,10 +146,10 @@ class Session final : private juce::Timer {
         link_.missing.notFound = {"tine-041-soft.wav", "tine-041-loud.wav"};
         link_.missing.unsupported = {"noise.aif"};
         finishLoading();
-        window_->showMissingMenu(window_->statusBar());
+        window_->dialogs().showMissingMenu(window_->statusBar());
     }
     void showExample() {
-        link_.missing = {};
+        fillEngine(link_);
         juce::MemoryBlock picture;
         example_.getChildFile("panel.png").loadFileAsData(picture);
         auto& texts = link_.instrument.texts();
@@ -106,13 +158,6 @@ class Session final : private juce::Timer {
         isGood_ = isGood_ && !texts.layout->empty() && !texts.panelImage.empty();
         finishLoading();
     }
-    void zoom() {
-        link_.instrument.texts().layout.reset();
-        link_.instrument.texts().panelImage.clear();
-        finishLoading();
-        window_->setZoom(200);
-    }
-
     void timerCallback() override {
         step();
         if (isTimerRunning()) startTimer(stepMs); // from now on, however long the step took
@@ -144,7 +189,7 @@ class Session final : private juce::Timer {
     // A menu closes at once while the program is not yet the one in front.
     bool hasItsMenu() const {
         const juce::String name(steps_[step_].first);
-        const bool isMenu = name.contains("menu") || name.contains("missing");
+        const bool isMenu = name.contains("menu") || name.contains("missing-");
         return !isMenu || juce::Desktop::getInstance().getNumComponents() > 1;
     }
 
@@ -159,7 +204,9 @@ class Session final : private juce::Timer {
         for (int i = 0; i < desktop.getNumComponents(); ++i) {
             auto* part = desktop.getComponent(i);
             const auto place = part->getScreenPosition() - all.getPosition();
-            g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds()), place.x, place.y);
+            // Menus are scaled as a whole.
+            const float scale = std::sqrt(std::abs(part->getTransform().getDeterminant()));
+            g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds(), true, scale), place.x, place.y);
         }
         juce::MemoryOutputStream png;
         const bool isWritten =
@@ -200,16 +247,16 @@ class Session final : private juce::Timer {
 } // namespace zarno
 
 int main(int count, char** arguments) {
-    if (count != 3 && count != 4) {
-        std::cerr << "zarno_window_pictures OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]\n";
+    if (count != 4 && count != 5) {
+        std::cerr << "zarno_window_pictures ZOOM OUTPUT_FOLDER EXAMPLE_FOLDER [APPROVED_FOLDER]\n";
         return 2;
     }
     const auto here = juce::File::getCurrentWorkingDirectory();
-    const auto output = here.getChildFile(arguments[1]);
+    const auto output = here.getChildFile(arguments[2]);
     output.createDirectory();
     const juce::ScopedJuceInitialiser_GUI framework;
-    zarno::Session session(output, here.getChildFile(arguments[2]),
-                           count == 4 ? here.getChildFile(arguments[3]) : juce::File());
+    zarno::Session session(juce::String(arguments[1]).getIntValue(), output, here.getChildFile(arguments[3]),
+                           count == 5 ? here.getChildFile(arguments[4]) : juce::File());
     juce::MessageManager::getInstance()->runDispatchLoop();
     return session.isGood() ? 0 : 1;
 }

@@ -43,8 +43,11 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::atomic<std::uint32_t> groups{0}; // counted on the audio thread
     std::uint32_t loads = 0;
     std::optional<std::uint32_t> toldLoad;
-    juce::StringArray titles;
+    juce::StringArray titles, paths;
     juce::String libraryText;
+    Activity heard;
+    bool silent = false, isCancelled = false;
+    std::uint32_t library = 0;
     int index = -1;
     bool loading = false, succeeded = true;
     double progress = -1.0;
@@ -83,6 +86,15 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     juce::String vendorText() const override { return "A maker"; }
     void editEnded() override { ++edits; }
     KeyboardRoute& keyboardRoute() override { return route; }
+    Activity activity() override { return heard; }
+    bool lacksAudioDevice() const override { return silent; }
+    bool hasAudioSettings() const override { return silent; }
+    void showAudioSettings() override {}
+    juce::StringArray instrumentPaths() const override { return paths; }
+    juce::StringArray libraryFolders() const override { return {"/library"}; }
+    void refreshLibrary() override { ++library; }
+    std::uint32_t libraryGeneration() override { return library; }
+    void cancelLoad() override { isCancelled = true; }
 
     int getNumRows() override { return titles.size(); }
     void paintListBoxItem(int row, juce::Graphics& g, int width, int height, bool selectedRow) override {
