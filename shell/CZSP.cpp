@@ -4,7 +4,6 @@
 #include "data/Limits.h"
 #include "gui/CLookAndFeel.h"
 #include "gui/CZSPGUI.h"
-#include "platform/Module.h"
 #include "platform/Paths.h"
 #include "platform/RunWithTimeout.h"
 #include "platform/ThreadRole.h"
@@ -32,7 +31,7 @@ bool isThere(const std::string& path) {
 CZSP::CZSP()
     : AudioProcessor(BusesProperties().withOutput("Output", juce::AudioChannelSet::stereo(), true))
     , Thread("ZSP Loading Thread")
-    , library_({libraryFolderBeside(modulePath()), userLibraryFolder()})
+    , library_(libraryFolders())
     , settings_(settingsFileLocation())
     , identity_(readOwnIdentity()) {
     auto lookAndFeel = std::make_unique<CLookAndFeel>();
