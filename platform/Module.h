@@ -12,6 +12,10 @@ namespace zarno {
 /// Its full path in UTF-8, native form; empty when the system does not tell.
 std::string modulePath();
 
+/// The paths that lead to the module file, in UTF-8: the one the system loaded it by, then the file itself when
+/// that one goes through symbolic links.
+std::vector<std::string> modulePaths();
+
 /// The first bytes of the module file, at most `count`; fewer when the file is shorter, none when it cannot
 /// be read.
 std::vector<std::uint8_t> readModuleStart(std::size_t count);

@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <dlfcn.h>
+#include <filesystem>
 #include <link.h>
 #include <memory>
 
@@ -39,6 +40,16 @@ void* openAgain(int extraFlags) {
 std::string modulePath() {
     const auto name = loaderName();
     return realPath(name.empty() ? "/proc/self/exe" : name.c_str());
+}
+
+std::vector<std::string> modulePaths() {
+    const auto file = modulePath();
+    if (file.empty()) return {};
+    const auto name = loaderName();
+    std::error_code error;
+    const auto loaded = std::filesystem::absolute(name, error).lexically_normal().string();
+    if (name.empty() || error || loaded == file || realPath(loaded.c_str()) != file) return {file};
+    return {loaded, file};
 }
 
 ModulePin::ModulePin()

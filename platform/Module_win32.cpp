@@ -3,6 +3,7 @@
 
 #include "platform/WideText_win32.h"
 
+#include <filesystem>
 #include <windows.h>
 
 namespace zarno {
@@ -31,6 +32,16 @@ std::string modulePath() {
         if (path.size() > 0x8000) return {}; // longer than any path
         path.resize(path.size() * 2);
     }
+}
+
+std::vector<std::string> modulePaths() {
+    const auto loaded = modulePath();
+    if (loaded.empty()) return {};
+    std::error_code error;
+    const std::filesystem::path path(widePath(loaded));
+    const auto file = std::filesystem::canonical(path, error);
+    if (error || file == path) return {loaded};
+    return {loaded, utf8FromWide(file.wstring())};
 }
 
 ModulePin::ModulePin()

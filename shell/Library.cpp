@@ -28,6 +28,15 @@ void addTitled(const std::vector<std::string>& paths, std::vector<Library::Entry
     }
 }
 
+// Where a host sees the plug-in: Name.vst3/Contents/ARCHITECTURE/module, Name.lv2/module, or the module itself.
+std::string bundleOrModule(const std::string& module) {
+    const auto folder = parentPath(module);
+    if (folder.ends_with(".lv2")) return folder;
+    const auto contents = parentPath(folder);
+    const auto bundle = parentPath(contents);
+    return fileName(contents) == "Contents" && bundle.ends_with(".vst3") ? bundle : module;
+}
+
 template <typename Matches>
 int firstIndex(const std::vector<Library::Entry>& entries, Matches matches) {
     const auto found = std::find_if(entries.begin(), entries.end(), matches);
@@ -77,9 +86,15 @@ int Library::indexOfFileName(std::string_view path) const {
                       [&](const Entry& entry) { return withFoldedCase(fileName(entry.path)) == folded; });
 }
 
-std::string libraryFolderBeside(std::string_view modulePath) {
-    if (modulePath.empty()) return {};
-    return joinPath(parentPath(modulePath), fileStem(modulePath) + ".instruments");
+std::vector<std::string> libraryFoldersBeside(const std::vector<std::string>& modulePaths) {
+    std::vector<std::string> folders;
+    for (const std::string& path : modulePaths) {
+        const auto place = bundleOrModule(path);
+        auto folder = joinPath(parentPath(place), fileStem(place) + ".instruments");
+        if (std::find(folders.begin(), folders.end(), folder) == folders.end())
+            folders.push_back(std::move(folder));
+    }
+    return folders;
 }
 
 } // namespace zarno

@@ -56,7 +56,8 @@ struct Library {
     bool contains(int index) const { return index >= 0 && static_cast<std::size_t>(index) < entries.size(); }
 };
 
-/// The library folder of a module: beside it, named like it without extension plus ".instruments".
-std::string libraryFolderBeside(std::string_view modulePath);
+/// The library folders of a module that `modulePaths` lead to, in that order: beside the module, named like it without
+/// extension plus ".instruments". For a module in a bundle ("Name.vst3", "Name.lv2") the bundle takes its place.
+std::vector<std::string> libraryFoldersBeside(const std::vector<std::string>& modulePaths);
 
 } // namespace zarno

@@ -10,11 +10,14 @@ namespace zarno {
 ModuleIdentity readOwnIdentity() {
     const auto start = readModuleStart(identityField::end);
     if (hasIdentityFields(start)) return readIdentityFields(start);
-    File sidecar(modulePath() + sidecarSuffix);
-    if (!sidecar.isOpen()) return builtInIdentity();
-    std::string text(limits::sidecarBytes, '\0');
-    text.resize(sidecar.read(text.data(), text.size()));
-    return parseSidecar(text);
+    for (const auto& path : modulePaths()) {
+        File sidecar(path + sidecarSuffix);
+        if (!sidecar.isOpen()) continue;
+        std::string text(limits::sidecarBytes, '\0');
+        text.resize(sidecar.read(text.data(), text.size()));
+        return parseSidecar(text);
+    }
+    return builtInIdentity();
 }
 
 } // namespace zarno

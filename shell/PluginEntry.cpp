@@ -22,7 +22,7 @@ extern "C" Vst2::AEffect* zarnoWrapperMain(Vst2::audioMasterCallback host);
 namespace zarno {
 namespace {
 
-constexpr Vst2::VstInt32 hostVersion = 0x20105; // 131333
+constexpr Vst2::VstInt32 hostVersion = JucePlugin_VersionCode; // 131333 for 2.1.5
 constexpr std::size_t longestProgramName = 24, longestText = 64;
 
 OpenEffects& effects() {
@@ -131,6 +131,7 @@ Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
     const auto open = effects().remove(effect);
     if (open == nullptr) return 0;
     closeGate(*open);
+    open->processor.flushMessages();
     return callWrapper(*open, effect, call);
 }
 

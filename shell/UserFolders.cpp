@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "shell/UserFolders.h"
 
+#include "platform/Module.h"
 #include "platform/Paths.h"
+#include "shell/Library.h"
 
 #include <cstdlib>
 
@@ -41,6 +43,12 @@ std::string userLibraryFolder() {
     const auto base = xdgFolder("XDG_DATA_HOME", ".local/share");
 #endif
     return base.empty() ? std::string() : joinPath(joinPath(base, productFolder), "Instruments");
+}
+
+std::vector<std::string> libraryFolders() {
+    auto folders = libraryFoldersBeside(modulePaths());
+    folders.push_back(userLibraryFolder());
+    return folders;
 }
 
 juce::File settingsFileLocation() {

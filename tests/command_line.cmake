@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # What scripts rely on: the exit codes of zarno (0, 1 bad input, 2 wrong use), where it says why, and that packing
-# undoes unpacking. Called with ZARNO, the command to run, FOLDER, an empty place to work in, and IMPORT where
-# there is that command.
+# undoes unpacking. Called with ZARNO, the command to run, FOLDER, an empty place to work in, IMPORT where
+# there is that command, and PLAYER where there are those that play and draw.
 function(expect code said)
     execute_process(COMMAND ${ZARNO} ${ARGN} WORKING_DIRECTORY ${FOLDER} RESULT_VARIABLE result OUTPUT_VARIABLE out
                     ERROR_VARIABLE error)
     if(NOT result STREQUAL code OR NOT "${out}${error}" MATCHES "${said}")
         message(SEND_ERROR "zarno ${ARGN}: exit code ${result} instead of ${code}, or no \"${said}\" in\n${out}${error}")
     endif()
-    if(code EQUAL 1 AND NOT error MATCHES "^zarno: ")
+    if(code EQUAL 1 AND NOT error MATCHES "(^|\n)zarno: ")
         message(SEND_ERROR "zarno ${ARGN}: nothing on the error channel")
     endif()
 endfunction()
@@ -27,9 +27,11 @@ expect(2 "FILE" info)
 expect(2 "" info one.zse --loud)
 expect(1 "absent.zse: the file cannot be opened" info absent.zse)
 expect(1 "text.zse: this is not an instrument" unpack text.zse out)
-expect(1 "settings.volume: this must be a number" pack bad out.zse)
+expect(0 "^zarno [0-9]+\\.[0-9]+" --version)
+expect(1 "instrument.json:1:47: settings.volume: this must be a number.*1 error" pack bad out.zse)
 expect(1 "a.wav: there is no wave" pack in embedded.zse --embed)
-expect(0 "warning: there is no wave \"a.wav\"" pack in one.zse)
+expect(0 "warning: there is no wave \"a.wav\".*1 group, 1 zone, 1 sample|1 group, 1 zone.*error: sample" pack in one.zse)
+expect(0 "`releaseDecayTime`" fields)
 expect(0 "pan 0.1" info one.zse)
 expect(0 "\"rootKey\": 60" info one.zse --json)
 expect(0 "" unpack one.zse out)
@@ -41,6 +43,23 @@ if(differ)
     message(SEND_ERROR "packing did not undo unpacking")
 endif()
 
+expect(0 "1 group, 1 zone.*watching " watch in watched.zse --for 0.5)
+expect(0 "instrument.json:1:47.*watching |watching .*instrument.json:1:47" watch bad watched.zse --for 0.5)
+expect(1 "absent: there is no such folder" watch absent watched.zse)
+
+if(PLAYER)
+    # A song without notes: CMake writes no zero bytes.
+    execute_process(COMMAND printf "MThd\\0\\0\\0\\6\\0\\0\\0\\1\\0\\140MTrk\\0\\0\\0\\4\\0\\377/\\0"
+        OUTPUT_FILE ${FOLDER}/empty.mid)
+    expect(1 "silent.wav: this is silent: the song has no notes" render one.zse empty.mid silent.wav)
+    expect(0 "" panel in panel.png)
+    file(READ ${FOLDER}/panel.png picture LIMIT 24 HEX)
+    if(NOT picture MATCHES "^89504e47.*00000251000000f2$")
+        message(SEND_ERROR "the built-in panel is no picture of 593 x 242: ${picture}")
+    endif()
+    expect(1 "\"text.zse\" is not an instrument" panel text.zse panel.png)
+endif()
+
 if(IMPORT)
     file(WRITE ${FOLDER}/x.sfz "<region>sample=absent.wav")
     expect(1 "x.sfz: there is nothing in it" import x.sfz out.zse)
@@ -48,6 +67,8 @@ if(IMPORT)
     expect(1 "bad: there are no sound files" import bad out.zse --pattern "{key}")
     expect(2 "excludes" import x.sfz out.zse --stream --memory)
 endif()
+
+expect(0 "^zarno [0-9]+\\.[0-9]+\\.[0-9]+" --version)
 
 # A module with the stub text of Windows is branded in place, any other by a file beside it.
 string(REPEAT "." 160 stub)
@@ -74,11 +95,17 @@ file(WRITE ${FOLDER}/lib/notes.txt "abc")
 file(WRITE ${FOLDER}/lib/deeper/long.txt "${long}")
 expect(1 "plays wave files beside it" brand pack.so --pack bad1 --title Bells --instruments one.zse)
 expect(1 "needs instruments" brand pack.so --pack bad2 --title Bells)
+file(WRITE ${FOLDER}/Pack.vst3/Contents/x86_64-linux/Pack.so "no module")
+expect(1 "VST3 and LV2 plug-ins cannot be branded" brand Pack.vst3/Contents/x86_64-linux/Pack.so --title Bells)
+expect(1 "VST3 and LV2 plug-ins cannot be branded" brand Pack.vst3 --pack bad1 --title Bells --instruments lib)
+if(EXISTS ${FOLDER}/bad1 OR EXISTS ${FOLDER}/Pack.vst3/Contents/x86_64-linux/Pack.so.identity)
+    message(SEND_ERROR "a brand that failed has left something")
+endif()
 expect(1 "a pack needs a name" brand pack.so --pack bad3 --instruments lib)
 expect(0 "^shipped" brand pack.so pack.dll --pack shipped --id Bel1 --title Bells --instruments lib)
 expect(1 "shipped: is there already" brand pack.so --pack shipped --title Bells --instruments lib)
 file(STRINGS ${FOLDER}/shipped/SHA256SUMS sums)
-set(expected Bells.dll Bells.instruments/deeper/long.txt Bells.instruments/notes.txt Bells.so Bells.so.identity)
+set(expected Bells.dll Bells.instruments/deeper/long.txt Bells.instruments/notes.txt Bells.so Bells.so.identity INSTALL.txt LICENSE NOTICE)
 set(names)
 foreach(sum ${sums})
     string(SUBSTRING ${sum} 66 -1 name)

@@ -58,7 +58,15 @@ ModuleIdentity brandSidecar(const std::string& module, const Brand& brand) {
 
 } // namespace
 
+void refuseBundle(const std::string& module) {
+    for (const auto& part : filePath(absolutePath(module)))
+        if (part.extension() == ".vst3" || part.extension() == ".lv2")
+            throw MakerError(module, "VST3 and LV2 plug-ins cannot be branded: their hosts would take all packs for one. "
+                                     "Brand the VST 2.4 module (.dll or .so) or the program.");
+}
+
 ModuleIdentity brandModule(const std::string& module, const Brand& brand) {
+    refuseBundle(module);
     const std::string start = readStart(module, identityField::end);
     if (start.empty()) throw MakerError(module, "cannot be read");
     if (hasIdentityFields({reinterpret_cast<const std::uint8_t*>(start.data()), start.size()}))

@@ -18,6 +18,10 @@ struct Brand {
 /// MakerError, before anything is written when the brand is not as it must be.
 ModuleIdentity brandModule(const std::string& module, const Brand& brand);
 
+/// Throws MakerError for a module of a format whose hosts tell plug-ins apart by something else: VST3 and LV2 bundles
+/// and the modules in them.
+void refuseBundle(const std::string& module);
+
 /// A folder to ship.
 struct PackFolder {
     std::string folder;                   ///< must not be there, or be empty

@@ -3,10 +3,13 @@
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/InstrumentReport.h"
 #include "tools/zarno/MakerError.h"
+#include "tools/zarno/PackTexts.h"
 #include "tools/zarno/Sha256.h"
 
 #include <algorithm>
 #include <fstream>
+#include <string_view>
+#include <utility>
 
 namespace zarno {
 namespace {
@@ -35,6 +38,38 @@ void addInstrument(const std::string& source, const fs::path& library) {
     copyInto(path, library / path.filename());
 }
 
+void writeText(const fs::path& path, std::string_view text) {
+    std::ofstream out(path, std::ios::binary);
+    out << text;
+    if (!out.flush()) throw MakerError(utf8Text(path), "cannot be written");
+}
+
+std::string installTextFor(const std::string& name) {
+    std::string text = installText;
+    constexpr std::string_view placeholder = "@NAME@";
+    for (auto at = text.find(placeholder); at != std::string::npos; at = text.find(placeholder, at + name.size()))
+        text.replace(at, placeholder.size(), name);
+    return text;
+}
+
+/// Removes what has been made so far unless the pack was finished.
+class UnfinishedPack {
+  public:
+    explicit UnfinishedPack(fs::path folder)
+        : folder_(std::move(folder))
+        , wasThere_(fs::exists(folder_)) {}
+    ~UnfinishedPack() {
+        std::error_code ignored;
+        if (!finished) fs::remove_all(folder_, ignored);
+        if (!finished && wasThere_) fs::create_directories(folder_, ignored);
+    }
+    bool finished = false;
+
+  private:
+    const fs::path folder_;
+    const bool wasThere_;
+};
+
 void writeChecksums(const fs::path& folder) {
     std::vector<std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder))
@@ -56,6 +91,9 @@ void makePackFolder(const PackFolder& pack) {
     const fs::path folder = filePath(pack.folder);
     if (fs::exists(folder) && !fs::is_empty(folder)) throw MakerError(pack.folder, "is there already");
     if (pack.instruments.empty()) throw MakerError(pack.folder, "a pack needs instruments: --instruments");
+    for (const std::string& module : pack.modules)
+        refuseBundle(module);
+    UnfinishedPack unfinished(folder);
     const fs::path library = folder / filePath(pack.name + libraryEnding);
     std::error_code error;
     fs::create_directories(library, error);
@@ -68,7 +106,11 @@ void makePackFolder(const PackFolder& pack) {
     }
     for (const std::string& instrument : pack.instruments)
         addInstrument(instrument, library);
+    writeText(folder / "LICENSE", licenceText);
+    writeText(folder / "NOTICE", noticeText);
+    writeText(folder / "INSTALL.txt", installTextFor(pack.name));
     writeChecksums(folder);
+    unfinished.finished = true;
 }
 
 } // namespace zarno

@@ -16,18 +16,18 @@ namespace {
 enum ExitCode { success = 0, badInput = 1, badUsage = 2 };
 
 constexpr void (*commands[])(CLI::App&) = {
-    zarno::addBrandCommand,
-    zarno::addCheckCommand,
-    zarno::addInfoCommand,
+    zarno::addBrandCommand,  zarno::addCheckCommand,   zarno::addFieldsCommand, zarno::addInfoCommand,
 #ifdef ZARNO_HAS_DRAWING
     zarno::addMapCommand,
 #endif
     zarno::addPackCommand,
-#ifdef ZARNO_HAS_IMPORT
-    zarno::addImportCommand,
-    zarno::addPresetsCommand,
+#ifdef ZARNO_HAS_PANEL
+    zarno::addPanelCommand,
 #endif
-    zarno::addUnpackCommand,
+#ifdef ZARNO_HAS_IMPORT
+    zarno::addImportCommand, zarno::addPresetsCommand,
+#endif
+    zarno::addUnpackCommand, zarno::addWatchCommand,
 #ifdef ZARNO_HAS_RENDER
     zarno::addRenderCommand,
 #endif
@@ -38,6 +38,7 @@ constexpr void (*commands[])(CLI::App&) = {
 int main(int argc, char** argv) {
     CLI::App program("Makes, shows and plays instruments of Zarno Sampler Player.", "zarno");
     program.require_subcommand(1);
+    program.set_version_flag("--version", "zarno " ZARNO_VERSION);
     program.allow_windows_style_options(false); // a path may begin with a slash on Wine
     for (const auto add : commands)
         add(program);
