@@ -272,7 +272,7 @@ TEST_F(WindowOnScreenNames, ReachAssistiveProgramsWithTheirValues) {
     window->addToDesktop(0);
     std::vector<juce::Component*> parts = {&window->statusBar()};
     for (auto* child : window->statusBar().getChildren())
-        if (child->getWantsKeyboardFocus()) parts.push_back(child);
+        if (child->isVisible() && child->getWantsKeyboardFocus()) parts.push_back(child);
     for (const auto& control : controls().all)
         if (control->getWantsKeyboardFocus()) parts.push_back(control.get());
     for (auto* part : parts) {
