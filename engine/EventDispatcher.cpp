@@ -16,8 +16,7 @@ EventDispatcher::EventDispatcher(Targets targets, const ActiveGroups::Groups& gr
 void EventDispatcher::dispatch(const EngineEvent& event, const NoteTime& now) {
     to_.context.takeSettings();
     activeGroups_.update(event);
-    for (ZGroup* group : activeGroups_.list())
-        dealToGroup(*group, event, now);
+    if (event.isNoteOn() || event.isNoteOff()) dealToGroups(event, now);
 
     switch (event.type()) {
     case midi::noteOff:
@@ -36,7 +35,7 @@ void EventDispatcher::dispatch(const EngineEvent& event, const NoteTime& now) {
         to_.modulation.setBendValue(event.data2 * 128 + event.data1);
         break;
     case midi::controller:
-        controllers_[event.data1].store(event.data2, std::memory_order_relaxed);
+        storeController(event.data1, event.data2);
         handleController(event.data1, event.data2, event.channel());
         break;
     default:
@@ -44,16 +43,33 @@ void EventDispatcher::dispatch(const EngineEvent& event, const NoteTime& now) {
     }
 }
 
+void EventDispatcher::storeController(int number, int value) {
+    auto& stored = controllers_[static_cast<std::size_t>(number)];
+    if (stored.exchange(static_cast<std::uint8_t>(value), std::memory_order_relaxed) != value)
+        activeGroups_.controllerMoved(number);
+}
+
+void EventDispatcher::dealToGroups(const EngineEvent& event, const NoteTime& now) {
+    const auto deal = [&](ZGroup& group) { dealToGroup(group, event, now); };
+    // Each active group sets a depth that follows the velocity, between the notes of those before and after
+    // it.
+    if (to_.settings.lfoDepthSource == static_cast<std::int32_t>(LfoDepthSource::Velocity))
+        for (ZGroup* group : activeGroups_.list())
+            deal(*group);
+    else
+        activeGroups_.forEachAt(event.data1, deal);
+    // Not stored when no group is active.
+    if (!event.isNoteOn() || activeGroups_.list().empty()) return;
+    lastVelocity_[event.data1] = event.data2;
+    noteOnTime_[event.data1] = now;
+}
+
 void EventDispatcher::dealToGroup(ZGroup& group, const EngineEvent& event, const NoteTime& now) {
     const int key = event.data1;
-    if (event.isNoteOn()) {
-        if (!group.isReleaseTrigger()) startNoteInGroup(group, key, event.data2, now);
-        // Stored once for each active group, so not at all when none is active, on purpose.
-        lastVelocity_[event.data1] = event.data2;
-        noteOnTime_[event.data1] = now;
-    } else if (event.isNoteOff() && group.isReleaseTrigger() && !sustainPedal_) {
+    if (event.isNoteOn() && !group.isReleaseTrigger())
+        startNoteInGroup(group, key, event.data2, now);
+    else if (event.isNoteOff() && group.isReleaseTrigger() && !sustainPedal_)
         startNoteInGroup(group, key, releaseVelocity(group, key, now), now);
-    }
 }
 
 // The velocity the key was struck with, falling to 0 over the group's decay time since then.
@@ -98,7 +114,7 @@ void EventDispatcher::releaseKey(int key, int channel) {
 }
 
 void EventDispatcher::releaseAll() {
-    controllers_[64].store(0, std::memory_order_relaxed);
+    storeController(64, 0);
     sustainPedal_ = false;
     to_.pool.releaseAll();
 }

@@ -47,6 +47,8 @@ class EventDispatcher {
     void releaseAll();
 
   private:
+    void storeController(int number, int value);
+    void dealToGroups(const EngineEvent& event, const NoteTime& now);
     void dealToGroup(ZGroup& group, const EngineEvent& event, const NoteTime& now);
     int releaseVelocity(const ZGroup& group, int key, const NoteTime& now) const;
     void startNoteInGroup(ZGroup& group, int key, int velocity, const NoteTime& now);

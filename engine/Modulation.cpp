@@ -33,44 +33,88 @@ void Modulation::moveToward(float& current, float target) {
 void Modulation::fill(ModulationSegment& segment, int frames) {
     segment.frames = frames;
     segment.modulated = context_.lfoDepth > 0.0f;
-    for (int i = 0; i < frames; ++i)
-        segment.lfo[i] = lfo_.step();
+    fillLfo(segment, frames);
     fillPitch(segment, frames);
-    fillLevels(segment, frames);
+    fillExpression(segment, frames);
+    fillPan(segment, frames);
+}
+
+void Modulation::fillLfo(ModulationSegment& segment, int frames) {
+    if (context_.lfoDepth == 0.0f) {
+        segment.lfo.hold(lfo_.skipTo(frames));
+        return;
+    }
+    float* lfo = segment.lfo.move();
+    for (int i = 0; i < frames; ++i)
+        lfo[i] = lfo_.step();
 }
 
 void Modulation::fillPitch(ModulationSegment& segment, int frames) {
     const float target = bendTarget_.load(std::memory_order_relaxed);
     segment.movingFrames = 0;
-    for (int i = 0; i < frames; ++i) {
-        if (bendCurrent_ != target) {
-            moveToward(bendCurrent_, target);
-            segment.movingFrames = i + 1;
+    float highest = bendCurrent_;
+    if (bendCurrent_ == target) {
+        segment.bendRatio.hold(bendCurrent_);
+    } else {
+        float* bend = segment.bendRatio.move();
+        highest = 0.0f;
+        for (int i = 0; i < frames; ++i) {
+            if (bendCurrent_ != target) {
+                moveToward(bendCurrent_, target);
+                segment.movingFrames = i + 1;
+            }
+            bend[i] = bendCurrent_;
+            highest = std::max(highest, bend[i]);
         }
-        segment.bendRatio[i] = bendCurrent_;
     }
-    const bool vibrato = context_.lfoMovesPitch;
+    segment.maxPitchRatio = std::max(0.0f, highest);
+    if (!context_.lfoMovesPitch || context_.lfoDepth == 0.0f) {
+        segment.vibrato.hold(1.0f);
+        return;
+    }
+    float* vibrato = segment.vibrato.move();
     segment.maxPitchRatio = 0.0f;
     for (int i = 0; i < frames; ++i) {
-        segment.vibrato[i] = vibrato ? semitoneRatio(segment.lfo[i] * context_.lfoDepth) : 1.0f;
-        segment.maxPitchRatio = std::max(segment.maxPitchRatio, segment.bendRatio[i] * segment.vibrato[i]);
+        vibrato[i] = semitoneRatio(segment.lfo[i] * context_.lfoDepth);
+        segment.maxPitchRatio = std::max(segment.maxPitchRatio, segment.bendRatio[i] * vibrato[i]);
     }
 }
 
-void Modulation::fillLevels(ModulationSegment& segment, int frames) {
-    const auto destination = static_cast<LfoDestination>(settings_.lfoDestination.load());
+void Modulation::fillExpression(ModulationSegment& segment, int frames) {
+    const bool followsLfo = settings_.lfoDestination == static_cast<std::int32_t>(LfoDestination::Expression);
     const float depth = context_.lfoDepth;
+    const bool stands = followsLfo ? depth == 0.0f : expressionCurrent_ == expressionTarget_;
+    if (stands) {
+        expressionCurrent_ = followsLfo ? 0.0f : expressionTarget_;
+        segment.expression.hold(expressionCurrent_);
+        return;
+    }
+    float* expression = segment.expression.move();
     for (int i = 0; i < frames; ++i) {
         moveToward(expressionCurrent_, expressionTarget_);
-        if (destination == LfoDestination::Expression) expressionCurrent_ = std::fabs(segment.lfo[i] * depth);
-        if (destination == LfoDestination::Pan) placePan(segment.lfo[i] * depth);
-        segment.expression[i] = expressionCurrent_;
-        segment.panLeft[i] = pan_.left;
-        segment.panRight[i] = pan_.right;
+        if (followsLfo) expressionCurrent_ = std::fabs(segment.lfo[i] * depth);
+        expression[i] = expressionCurrent_;
+    }
+}
+
+void Modulation::fillPan(ModulationSegment& segment, int frames) {
+    const bool followsLfo = settings_.lfoDestination == static_cast<std::int32_t>(LfoDestination::Pan);
+    const float depth = context_.lfoDepth;
+    if (followsLfo && depth != 0.0f) {
+        float *left = segment.panLeft.move(), *right = segment.panRight.move();
+        for (int i = 0; i < frames; ++i) {
+            placePan(segment.lfo[i] * depth);
+            left[i] = pan_.left;
+            right[i] = pan_.right;
+        }
+    } else {
+        if (followsLfo) placePan(0.0f);
+        segment.panLeft.hold(pan_.left);
+        segment.panRight.hold(pan_.right);
     }
     // The LFO writes the pan setting itself: the sound stays where the LFO left it. Adding 0 makes -0 a 0, so
     // that at depth 0 the setting, and with it a saved project, stays as it is.
-    if (destination == LfoDestination::Pan) settings_.pan = segment.lfo[frames - 1] * depth + 0.0f;
+    if (followsLfo) settings_.pan = segment.lfo[frames - 1] * depth + 0.0f;
 }
 
 void Modulation::showSample(const ModulationSegment& segment, int index) {

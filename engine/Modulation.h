@@ -2,6 +2,7 @@
 #pragma once
 
 #include "engine/Envelope.h"
+#include "engine/HeldTrack.h"
 #include "engine/PlayContext.h"
 #include "engine/ZLFO.h"
 
@@ -9,7 +10,8 @@
 
 namespace zarno {
 
-// The modulators of a stretch of samples, one entry a sample, as every voice sees them.
+// The modulators of a stretch of samples, one entry a sample, as every voice sees them. What stands still is not
+// written out again.
 struct ModulationSegment {
     static constexpr int maxFrames = 128;
 
@@ -17,12 +19,12 @@ struct ModulationSegment {
     int movingFrames = 0;       // how many samples from the first on the bend ratio changes at
     bool modulated = false;     // the LFO depth is above 0: voices follow at every sample
     float maxPitchRatio = 1.0f; // of bend and vibrato together
-    alignas(32) float bendRatio[maxFrames];
-    alignas(32) float lfo[maxFrames];
-    alignas(32) float vibrato[maxFrames]; // the LFO as a pitch ratio; 1 when it goes elsewhere
-    alignas(32) float expression[maxFrames];
-    alignas(32) float panLeft[maxFrames];
-    alignas(32) float panRight[maxFrames];
+    using Track = HeldTrack<maxFrames>;
+    Track bendRatio;
+    Track lfo;     // at depth 0, where it has no effect, its last value alone
+    Track vibrato; // the LFO as a pitch ratio; 1 when it goes elsewhere
+    Track expression;
+    Track panLeft, panRight;
 };
 
 // What moves all voices of an instrument together: bend, expression, pan and the LFO. Audio thread, but for
@@ -56,8 +58,10 @@ class Modulation {
   private:
     static void moveToward(float& current, float target);
     void placePan(float pan);
+    void fillLfo(ModulationSegment& segment, int frames);
     void fillPitch(ModulationSegment& segment, int frames);
-    void fillLevels(ModulationSegment& segment, int frames);
+    void fillExpression(ModulationSegment& segment, int frames);
+    void fillPan(ModulationSegment& segment, int frames);
 
     InstrumentSettings& settings_;
     PlayContext& context_;

@@ -15,6 +15,10 @@ inline constexpr int kernelFrames = 128;
 struct FrameRow {
     alignas(32) double position[kernelFrames];
     alignas(32) float envelope[kernelFrames];
+
+    // The row's owner notes when all of the envelope has one value, so as not to write it again.
+    bool envelopeHeld = false;
+    float heldEnvelope = 0.0f;
 };
 
 // Positions and envelopes of eight voices side by side: recurrences cannot be spread over frames, so voices
@@ -50,6 +54,8 @@ struct VoiceKernels {
     const char* name;
     // Writes down position and envelope of every lane for each frame and moves the lanes on by as many.
     void (*advance)(VoiceLanes& lanes, FrameRow* rows, int frames);
+    // The same where all envelopes stand still: positions alone.
+    void (*advanceHeld)(VoiceLanes& lanes, FrameRow* rows, int frames);
     // The same where the increment follows bend and vibrato at every frame.
     void (*advanceFollowing)(VoiceLanes& lanes, FrameRow* rows, int frames, const float* bend,
                              const float* vibrato);

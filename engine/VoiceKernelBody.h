@@ -68,7 +68,7 @@ inline void storePositions(FrameRow* rows, int firstLane, int frame, Doubles fir
 
 // The rows are filled in steps of four frames; the frames behind the last one are not used, and the lanes'
 // state is taken where the last frame left it.
-template <typename Increment>
+template <bool envelopesMove, typename Increment>
 inline void advanceLanes(VoiceLanes& lanes, FrameRow* rows, int frames, Increment increment) {
     Doubles position[doubleParts];
     Floats envelope[floatParts], target[floatParts], coefficient[floatParts];
@@ -89,23 +89,26 @@ inline void advanceLanes(VoiceLanes& lanes, FrameRow* rows, int frames, Incremen
                 at[k][p] = position[p];
                 position[p] += increment(frame + k, p);
             }
-            for (int p = 0; p < floatParts; ++p) {
-                envelope[p] = envelope[p] + (target[p] - envelope[p]) * coefficient[p];
-                level[p][k] = envelope[p];
-            }
+            if constexpr (envelopesMove)
+                for (int p = 0; p < floatParts; ++p) {
+                    envelope[p] = envelope[p] + (target[p] - envelope[p]) * coefficient[p];
+                    level[p][k] = envelope[p];
+                }
         }
         for (int k = used; k < 4; ++k) {
             for (int p = 0; p < doubleParts; ++p)
                 at[k][p] = at[k - 1][p];
-            for (int p = 0; p < floatParts; ++p)
-                level[p][k] = level[p][k - 1];
+            if constexpr (envelopesMove)
+                for (int p = 0; p < floatParts; ++p)
+                    level[p][k] = level[p][k - 1];
         }
         for (int p = 0; p < doubleParts; ++p) {
             storePositions(rows, p * doubleLanes, frame, at[0][p], at[1][p]);
             storePositions(rows, p * doubleLanes, frame + 2, at[2][p], at[3][p]);
         }
-        for (int p = 0; p < floatParts; ++p)
-            storeEnvelopes(rows, p * floatLanes, frame, level[p]);
+        if constexpr (envelopesMove)
+            for (int p = 0; p < floatParts; ++p)
+                storeEnvelopes(rows, p * floatLanes, frame, level[p]);
     }
     for (int p = 0; p < doubleParts; ++p)
         ZARNO_SIMD(store_pd)(lanes.position + p * doubleLanes, position[p]);
@@ -117,12 +120,19 @@ void advance(VoiceLanes& lanes, FrameRow* rows, int frames) {
     Doubles increments[doubleParts];
     for (int p = 0; p < doubleParts; ++p)
         increments[p] = ZARNO_SIMD(load_pd)(lanes.increment + p * doubleLanes);
-    advanceLanes(lanes, rows, frames, [&](int, int part) { return increments[part]; });
+    advanceLanes<true>(lanes, rows, frames, [&](int, int part) { return increments[part]; });
+}
+
+void advanceHeld(VoiceLanes& lanes, FrameRow* rows, int frames) {
+    Doubles increments[doubleParts];
+    for (int p = 0; p < doubleParts; ++p)
+        increments[p] = ZARNO_SIMD(load_pd)(lanes.increment + p * doubleLanes);
+    advanceLanes<false>(lanes, rows, frames, [&](int, int part) { return increments[part]; });
 }
 
 void advanceFollowing(VoiceLanes& lanes, FrameRow* rows, int frames, const float* bend,
                       const float* vibrato) {
-    advanceLanes(lanes, rows, frames, [&](int frame, int part) {
+    advanceLanes<true>(lanes, rows, frames, [&](int frame, int part) {
         float ratio[doubleLanes];
         for (int lane = 0; lane < doubleLanes; ++lane)
             ratio[lane] = bend[frame] * lanes.glide[part * doubleLanes + lane] * vibrato[frame];
@@ -308,7 +318,7 @@ constexpr void setMixes(VoiceKernels& kernels) {
 }
 
 constexpr VoiceKernels makeKernels(const char* name) {
-    VoiceKernels kernels{name, advance, advanceFollowing, {}};
+    VoiceKernels kernels{name, advance, advanceHeld, advanceFollowing, {}};
     setMixes<0>(kernels);
     setMixes<1>(kernels);
     setMixes<2>(kernels);

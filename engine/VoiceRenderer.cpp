@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "engine/VoiceRenderer.h"
 
+#include <algorithm>
+
 namespace zarno {
 namespace {
 
@@ -53,11 +55,23 @@ void VoiceRenderer::advanceShared(const SegmentRun& run) {
         memberOf[used++] = m;
     }
     if (used == 0) return;
-    if (run.pitchFollows)
-        kernels_->advanceFollowing(lanes, rows_.data(), run.frames(), run.segment.bendRatio + run.from,
-                                   run.segment.vibrato + run.from);
-    else
-        kernels_->advance(lanes, rows_.data(), run.frames());
+    // A coefficient of 0 leaves an envelope where it is, to the bit.
+    const bool envelopesHold = std::all_of(lanes.coefficient, lanes.coefficient + used,
+                                           [](float coefficient) { return coefficient == 0.0f; });
+    if (envelopesHold && !run.pitchFollows) {
+        for (std::size_t lane = 0; lane < used; ++lane)
+            VoiceRow::holdEnvelope(rows_[lane], lanes.envelope[lane]);
+        kernels_->advanceHeld(lanes, rows_.data(), run.frames());
+    } else {
+        for (FrameRow& row : rows_)
+            row.envelopeHeld = false;
+        if (run.pitchFollows)
+            kernels_->advanceFollowing(lanes, rows_.data(), run.frames(),
+                                       run.segment.bendRatio.data() + run.from,
+                                       run.segment.vibrato.data() + run.from);
+        else
+            kernels_->advance(lanes, rows_.data(), run.frames());
+    }
 
     // The kernel fills the rows in lane order; members without a lane take those that are left.
     std::size_t lane = 0, left = used;
@@ -103,9 +117,9 @@ void VoiceRenderer::mixRow(int member, const SegmentRun& run, int from, int to, 
     job.origin = window.origin;
     job.position = row_[m]->position + (from - run.from);
     job.envelope = row_[m]->envelope + (from - run.from);
-    job.expression = segment.expression + from;
-    job.panLeft = segment.panLeft + from;
-    job.panRight = segment.panRight + from;
+    job.expression = segment.expression.data() + from;
+    job.panLeft = segment.panLeft.data() + from;
+    job.panRight = segment.panRight.data() + from;
     job.leftGain = voice.leftGain_;
     job.rightGain = voice.rightGain_;
     job.left = mix.left + from;

@@ -4,6 +4,7 @@
 #include "engine/Tables.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 
 namespace zarno {
@@ -86,6 +87,7 @@ int VoiceRow::advance(ZVoice& voice, const FrameWindow& window, const SegmentRun
         return index;
     const double loopEnd = voice.jumpsBack_ ? static_cast<double>(voice.zone_->record.loopEnd) : 0.0;
     const double loopStart = static_cast<double>(voice.zone_->record.loopStart);
+    row.envelopeHeld = false;
     Step step(voice);
     for (; index < run.to; ++index) {
         Step next = step;
@@ -148,6 +150,14 @@ void VoiceRow::putIntoLane(const ZVoice& voice, VoiceLanes& lanes, int lane, boo
     lanes.envelope[lane] = voice.envelope_;
     lanes.target[lane] = slope.target;
     lanes.coefficient[lane] = slope.coefficient;
+}
+
+void VoiceRow::holdEnvelope(FrameRow& row, float envelope) {
+    const auto bits = [](float value) { return std::bit_cast<std::uint32_t>(value); }; // tells 0 from -0
+    if (row.envelopeHeld && bits(row.heldEnvelope) == bits(envelope)) return;
+    std::fill_n(row.envelope, kernelFrames, envelope);
+    row.envelopeHeld = true;
+    row.heldEnvelope = envelope;
 }
 
 void VoiceRow::takeFromLane(ZVoice& voice, const VoiceLanes& lanes, int lane, const SegmentRun& run) {

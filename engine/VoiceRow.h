@@ -25,6 +25,8 @@ class VoiceRow {
     static bool canShareLanes(const ZVoice& voice, const FrameWindow& window, const SegmentRun& run);
 
     static void putIntoLane(const ZVoice& voice, VoiceLanes& lanes, int lane, bool pitchFollows);
+    // Every frame of the row has this envelope.
+    static void holdEnvelope(FrameRow& row, float envelope);
     static void takeFromLane(ZVoice& voice, const VoiceLanes& lanes, int lane, const SegmentRun& run);
 
     // Moves the voice on from the segment's sample index, one frame after the other, and fills the row from

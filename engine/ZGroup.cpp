@@ -17,7 +17,13 @@ ZZone& ZGroup::addZone(std::unique_ptr<ZZone> zone) {
         keys_.set(static_cast<std::size_t>(key));
     }
     zones_.push_back(std::move(zone));
+    if (changes_ != nullptr) changes_->zones.fetch_add(1, std::memory_order_release);
     return *zones_.back();
+}
+
+bool ZGroup::drawsAtRandom() const {
+    const auto mode = static_cast<SelectionMode>(record.selectionMode.load());
+    return mode == SelectionMode::RandomRobin || mode == SelectionMode::TotalRandom;
 }
 
 bool ZGroup::mayMatch(int key, int velocity) const {
@@ -44,11 +50,10 @@ ZZone* ZGroup::selectZone(int key, int velocity, ZRandom& random) {
     thread::mustBe(thread::audio);
     const int count = static_cast<int>(zones_.size());
     if (count == 0) return nullptr;
-    const auto mode = static_cast<SelectionMode>(record.selectionMode.load());
-    const bool randomRobin = mode == SelectionMode::RandomRobin;
+    const bool randomRobin = record.selectionMode == static_cast<std::int32_t>(SelectionMode::RandomRobin);
     // Drawn whether or not anything matches, so that a seed gives the same choices whatever is played
     // between.
-    int start = randomRobin || mode == SelectionMode::TotalRandom ? random.below(count) : lastPlayed_ + 1;
+    int start = drawsAtRandom() ? random.below(count) : lastPlayed_ + 1;
     if (!mayMatch(key, velocity)) return nullptr;
     if (start >= count) start = 0;
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
+#include "engine/GroupChanges.h"
 #include "engine/Records.h"
 #include "engine/ZRandom.h"
 #include "engine/ZZone.h"
@@ -35,11 +36,25 @@ class ZGroup {
     ZZone& addZone(std::unique_ptr<ZZone> zone);
     const std::vector<std::unique_ptr<ZZone>>& zones() const { return zones_; }
 
-    // [any] Values derived from the record are stale from now on. Call it after the record changed.
-    void touch() { generation_.fetch_add(1, std::memory_order_release); }
+    // [any] What was derived from the record is stale from now on. Call it after the record changed.
+    void touch() {
+        generation_.fetch_add(1, std::memory_order_release);
+        if (changes_ != nullptr) changes_->records.fetch_add(1, std::memory_order_release);
+    }
     std::uint32_t generation() const { return generation_.load(std::memory_order_acquire); }
 
+    // [loading] From now on a group of an instrument that counts changes there, at this place in its list; null: of
+    // none.
+    void join(GroupChanges* changes, std::uint32_t place) {
+        changes_ = changes;
+        place_ = place;
+    }
+    std::uint32_t place() const { return place_; }
+
     bool isReleaseTrigger() const { return record.releaseTrigger != 0; }
+    // Whether every note draws a random number, also one that no zone matches.
+    bool drawsAtRandom() const;
+    bool hasZonesAt(int key) const { return keys_[static_cast<std::size_t>(key)]; }
 
     // [audio] Whether the group's own key and velocity ranges take the note and any zone lies at the key: what an
     // event asks of every active group, so it reads one place in memory.
@@ -66,6 +81,8 @@ class ZGroup {
     std::vector<std::unique_ptr<ZZone>> zones_;
     std::array<std::vector<std::uint32_t>, 128> byKey_; // ascending zone indices
     std::atomic<std::uint32_t> generation_{0};
+    GroupChanges* changes_ = nullptr; // not owned
+    std::uint32_t place_ = 0;
     int lastPlayed_ = -1;
 };
 

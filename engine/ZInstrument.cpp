@@ -236,17 +236,14 @@ void ZInstrument::deactivateAllGroups() {
 
 void ZInstrument::publishCurrentGroup() {
     const auto& active = activeGroups();
-    const auto found = std::find_if(groups_.begin(), groups_.end(), [&](const auto& group) {
-        return !active.empty() && group.get() == active.front();
-    });
-    currentGroup_.store(found == groups_.end() ? -1 : static_cast<int>(found - groups_.begin()),
+    currentGroup_.store(active.empty() ? -1 : static_cast<int>(active.front()->place()),
                         std::memory_order_relaxed);
 }
 
 ZGroup& ZInstrument::createGroup(std::string name) {
     thread::mustBe(thread::loading);
     groups_.push_back(std::make_unique<ZGroup>(std::move(name)));
-    dispatcher_.activeGroups().reserve();
+    dispatcher_.activeGroups().adopt();
     return *groups_.back();
 }
 
@@ -264,7 +261,10 @@ void ZInstrument::takeOut(InstrumentContents& former) {
     groupsRequested_.store(false, std::memory_order_relaxed);
     queue_.clear();
     dispatcher_.liftPedal();
+    for (const auto& group : groups_)
+        group->join(nullptr, 0);
     former.groups = std::exchange(groups_, {});
+    dispatcher_.activeGroups().adopt();
     former.texts = std::exchange(texts_, {});
     streams_->zonesChange();
     playingVoices_.store(0, std::memory_order_relaxed);
@@ -285,7 +285,8 @@ void ZInstrument::exchange(InstrumentContents& contents) {
     fileValues_.groups.clear();
     for (const auto& group : groups_)
         fileValues_.groups.push_back(group->record);
-    dispatcher_.activeGroups().reserve();
+    dispatcher_.activeGroups().adopt();
+    dispatcher_.activeGroups().takeChanges();
 }
 
 void ZInstrument::rebuildPool() {

@@ -21,6 +21,12 @@ class ZLFO {
     // rate in Hz, sampleRate in Hz. Negative rates stand still.
     void setRate(float rate, double sampleRate);
 
+    // As many steps at once: the value of the last.
+    float skipTo(int count) {
+        phase_ += increment_ * static_cast<std::uint32_t>(count - 1);
+        return step();
+    }
+
     float step() {
         const std::uint32_t index = phase_ >> 24;
         const float f = static_cast<float>(phase_ & 0xFFFFFFu) * 5.9604645e-8f; // 2^-24

@@ -2,20 +2,12 @@
 #include "gui/AboutPanel.h"
 
 #include "engine/ZInstrument.h"
+#include "gui/InstrumentView.h"
 #include "gui/Theme.h"
-#include "platform/Utf8.h"
 
 #include <juce_audio_basics/juce_audio_basics.h>
 
 namespace zarno {
-namespace {
-
-juce::String fromEngine(const std::string& text) {
-    return juce::String::fromUTF8(toUtf8(text).c_str());
-}
-
-} // namespace
-
 juce::String keyName(int key) {
     return juce::MidiMessage::getMidiNoteName(key, true, true, 4);
 }
@@ -61,7 +53,7 @@ void AboutPanel::open(InstrumentInfo info) {
     if (info_.remark.isNotEmpty()) write(info_.remark, theme::textHeight, theme::text);
     if (!info_.keyswitches.empty()) write("\nKeyswitches", theme::textHeight, theme::quietText);
     for (const auto& [key, name] : info_.keyswitches)
-        write(key.paddedRight(' ', 6) + name, theme::textHeight, theme::text);
+        write(key + ": " + name, theme::textHeight, theme::text);
     if (!info_.facts.isEmpty()) write("\n" + info_.facts.joinIntoString("\n"), theme::smallTextHeight, theme::quietText);
     text_.setReadOnly(true);
     text_.setCaretPosition(0);

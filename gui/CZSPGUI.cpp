@@ -9,21 +9,11 @@
 #include "gui/Theme.h"
 #include "gui/WindowMenus.h"
 #include "platform/ThreadRole.h"
-#include "platform/Utf8.h"
 
 namespace zarno {
 namespace {
 
 constexpr int refreshHz = 30;
-
-juce::String fromEngine(const std::string& text) {
-    return juce::String::fromUTF8(toUtf8(text).c_str());
-}
-
-juce::String fileNameWithoutExtension(const juce::String& path) {
-    const auto name = path.substring(path.lastIndexOfAnyOf("/\\") + 1);
-    return name.containsChar('.') ? name.upToLastOccurrenceOf(".", false, false) : name;
-}
 
 } // namespace
 
@@ -105,6 +95,12 @@ void CZSPGUI::fitToPanel() {
     repainter_.repaintForAWhile();
 }
 
+// A host's window that goes away first makes the wrapper around this one, and so this one, 1 x 1. The host may ask for
+// the size next.
+void CZSPGUI::resized() {
+    if (getWidth() <= 1 || getHeight() <= 1) fitToPanel();
+}
+
 void CZSPGUI::setZoom(int percent) {
     zoom_.choose(percent);
     fitToPanel();
@@ -173,7 +169,6 @@ void CZSPGUI::loadingFinished() {
     const auto& path = link_.engine().texts().path;
     if (path.empty() || !link_.lastLoadSucceeded()) return;
     link_.setSetting("recent instruments", withMostRecent(recentPaths(), fromEngine(path)).joinIntoString("\n"));
-    librarySeen_ = 0; // the browser shows them
 }
 
 void CZSPGUI::loadFailed() {
@@ -208,37 +203,20 @@ void CZSPGUI::refreshAll() {
     refreshLabels();
     refreshControls();
     for (auto* keyboard : panel_.controls().keyboards)
-        keyboard->setRoles(roles_);
+        keyboard->setRoles(view_.roles);
     refreshActivity();
 }
 
-// What the window keeps of the instrument: names, selection, the keys' roles. The caller has the contents.
+// The caller has the contents.
 void CZSPGUI::readContents() {
     groupsSeen_ = link_.groupsGeneration();
-    const ZInstrument& engine = link_.engine();
-    instrumentName_ = fromEngine(engine.texts().name);
-    if (engine.texts().path.empty())
-        instrumentName_.clear();
-    else if (instrumentName_.trim().isEmpty())
-        instrumentName_ = fileNameWithoutExtension(fromEngine(engine.texts().path));
-    selection_.follow(engine, link_.loadGeneration());
-    roles_ = keyRolesOf(engine);
-    groups_.clear();
-    juce::StringArray active;
-    for (const auto& group : engine.groups()) {
-        groups_.push_back({fromEngine(group->name), group->isReleaseTrigger() ? "on release"
-                                                    : staysActive(*group)     ? "always"
-                                                                              : ""});
-        if (group->active) active.add(groups_.back().name);
-    }
-    activeGroupNames_ = active.joinIntoString(", ");
-    missingText_ = missingText(link_.missingSamples());
-    lastLoad_ = link_.lastLoad();
+    selection_.follow(link_.engine(), link_.loadGeneration());
+    view_.read(link_);
     refresh_.forget();
 }
 
 juce::String CZSPGUI::titleText() const {
-    if (instrumentName_.isNotEmpty()) return instrumentName_;
+    if (view_.name.isNotEmpty()) return view_.name;
     return titles_.isEmpty() ? "Cannot find any instruments." : "No instrument loaded";
 }
 
@@ -246,7 +224,7 @@ void CZSPGUI::refreshLabels() {
     for (auto* label : panel_.controls().labels) {
         const int id = PanelBuilder::idOf(*label);
         if (id == 1) label->setText(titleText(), juce::dontSendNotification);
-        if (id == 2) label->setText(activeGroupNames_, juce::dontSendNotification);
+        if (id == 2) label->setText(view_.activeGroups, juce::dontSendNotification);
     }
 }
 
@@ -260,13 +238,16 @@ void CZSPGUI::refreshControls() {
 void CZSPGUI::refreshLibrary() {
     const auto generation = link_.libraryGeneration() + 1; // never 0, which stands for none
     if (std::exchange(librarySeen_, generation) == generation) return;
-    const auto folders = link_.libraryFolders();
     titles_ = link_.instrumentTitles();
-    browser_.setLibrary(titles_, link_.instrumentPaths(), folders, recentPaths());
-    firstRun_.setFolder(folders[0]);
+    if (browser_.isVisible()) fillBrowser();
+    firstRun_.setFolder(link_.libraryFolders()[0]);
     const auto problem = link_.libraryProblem();
     if (problem != libraryProblem_) advice_ = libraryProblem_ = problem;
     refreshLabels();
+}
+
+void CZSPGUI::fillBrowser() {
+    browser_.setLibrary(titles_, link_.instrumentPaths(), link_.libraryFolders(), recentPaths());
 }
 
 juce::StringArray CZSPGUI::recentPaths() const {
@@ -274,9 +255,9 @@ juce::StringArray CZSPGUI::recentPaths() const {
 }
 
 void CZSPGUI::refreshBar() {
-    bar_.show(barState(link_, {instrumentName_, advice_, missingText_, lastLoad_, lateReadsSeen_,
+    bar_.show(barState(link_, {view_.name, advice_, view_.missing, view_.lastLoad, lateReadsSeen_,
                                zoom_.percent(), titles_.size()}));
-    firstRun_.setVisible(titles_.isEmpty() && instrumentName_.isEmpty() && !link_.isLoading() &&
+    firstRun_.setVisible(titles_.isEmpty() && view_.name.isEmpty() && !link_.isLoading() &&
                          link_.lastLoadSucceeded());
 }
 
@@ -387,7 +368,7 @@ void CZSPGUI::followNotice(juce::Component& source) {
 
 void CZSPGUI::showGroupMenu(juce::Component& source) {
     const auto generation = link_.loadGeneration();
-    dialogs_.showGroupMenu(source, makeGroupMenu(groups_, selection_.indices(generation)), generation);
+    dialogs_.showGroupMenu(source, makeGroupMenu(view_.groups, selection_.indices(generation)), generation);
 }
 
 void CZSPGUI::openInstrumentList() {
@@ -400,6 +381,7 @@ void CZSPGUI::openInstrumentList() {
 void CZSPGUI::openBrowser() {
     if (browser_.isVisible()) return browser_.setVisible(false);
     about_.setVisible(false);
+    fillBrowser();
     browser_.open(link_.currentIndex());
 }
 
@@ -427,7 +409,7 @@ std::vector<juce::Rectangle<int>> CZSPGUI::occupiedPlaces() {
 // A host that hides the window around ours says nothing to us.
 void CZSPGUI::closeMenusOfHiddenWindow() {
     const bool isMenuOpen = juce::ModalComponentManager::getInstance()->getNumModalComponents() > 0;
-    if (isMenuOpen && isAttached_ && !system_.isViewable(getPeer()->getNativeHandle()))
+    if (isMenuOpen && isAttached_ && !zoom_.desktop().isViewable(getPeer()->getNativeHandle()))
         juce::PopupMenu::dismissAllActiveMenus();
 }
 

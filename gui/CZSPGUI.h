@@ -10,7 +10,7 @@
 #include "gui/FirstRunPanel.h"
 #include "gui/GroupSelection.h"
 #include "gui/InstrumentListPanel.h"
-#include "gui/KeyRoles.h"
+#include "gui/InstrumentView.h"
 #include "gui/KnobActions.h"
 #include "gui/Repainter.h"
 #include "gui/StatusBar.h"
@@ -92,6 +92,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void parentHierarchyChanged() override { followAttachment(); }
     void visibilityChanged() override;
     void paint(juce::Graphics&) override;
+    void resized() override;
 
   private:
     void timerCallback() override;
@@ -106,6 +107,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void refreshLabels();
     void refreshControls();
     void refreshLibrary();
+    void fillBrowser();
     void refreshBar();
     void refreshOverlay();
     void refreshActivity();
@@ -134,23 +136,17 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     WindowDialogs dialogs_{*this, *this, link_};
     juce::TooltipWindow tooltips_{this, 900};
     Repainter repainter_{*this};
-    SystemDesktop system_;
     WindowInput input_{*this,
                        panel_,
                        {[this] { return list_.isVisible() || browser_.isVisible() || overlay_.isVisible(); },
                         [this](int direction) { setZoom(zoom_.stepped(direction)); }}};
 
     ControlRefresh refresh_;
-    KeyRoles roles_{};
-    juce::String instrumentName_; // empty when nothing is loaded
+    InstrumentView view_;
     juce::String chosenName_;     // of the file that the user chose last
-    juce::String activeGroupNames_;
-    std::vector<GroupEntry> groups_;
     juce::StringArray titles_; // of the library
-    juce::String missingText_;
     juce::String advice_; // about a drop that was not taken, or the library
     juce::String libraryProblem_;
-    EditorLink::LoadReport lastLoad_;
     std::uint64_t lateReadsSeen_ = 0;
     std::uint32_t groupsSeen_ = 0, librarySeen_ = 0;
     std::uint32_t loadSeen_ = 0; // the load that the panel was built from

@@ -69,6 +69,8 @@ void StatusBar::show(const State& state) {
     notice_.setColour(juce::Label::textColourId,
                       Colour(state.notice.isWarning ? theme::warning : theme::quietText));
     audio_.setVisible(state.hasAudioSettings);
+    for (auto* quiet : {&voices_, &cpu_}) // a warning takes their place
+        quiet->setVisible(!state.notice.isWarning);
     action_.setVisible(state.notice.action != Notice::Action::None);
     action_.setButtonText(juce::CharPointer_UTF8(state.notice.actionText()));
     action_.setTitle(action_.getButtonText());
@@ -116,8 +118,8 @@ void StatusBar::resized() {
     instrument_.setBounds(upper);
     right(area, panic_, 50);
     right(area, meter_, 66);
-    right(area, cpu_, 58);
-    right(area, voices_, 62);
+    if (cpu_.isVisible()) right(area, cpu_, 58);
+    if (voices_.isVisible()) right(area, voices_, 62);
     if (action_.isVisible()) {
         const int width = 16 + juce::Font(theme::textHeight).getStringWidth(action_.getButtonText());
         const int text = juce::Font(theme::smallTextHeight).getStringWidth(notice_.getText()) + 8;

@@ -24,6 +24,7 @@ class WindowZoom {
     // The zoom in force, and the largest for which there is room.
     int percent() const { return std::min(chosen_, largest_); }
     int largest() const { return largest_; }
+    const SystemDesktop& desktop() const { return system_; }
     // From content to JUCE's coordinates.
     float scale() const { return static_cast<float>(percent()) / 100.0f * desktop_; }
 

@@ -39,6 +39,7 @@ CZSP::CZSP()
     lookAndFeel_ = std::move(lookAndFeel);
     engine_.setDelegate(this);
     if (!library()->entries.empty()) selectInstrument(0, {}, false, true);
+    isConstructed_ = true;
 }
 
 // The loading thread looks for the signal every few milliseconds and never waits for this one.
@@ -197,7 +198,7 @@ void CZSP::performLoad() {
     cancelRequested_ = false;
     loadRunner_.perform();
     loadGeneration_.fetch_add(1, std::memory_order_relaxed);
-    if (!threadShouldExit()) editorPort_.postEndOfLoad();
+    if (isConstructed_ && !threadShouldExit()) editorPort_.postEndOfLoad();
 }
 
 // Contents lock first: a load cannot replace the engine's values between the look at the state and the copy.

@@ -98,6 +98,10 @@ class CZSP final : public juce::AudioProcessor,
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
+    /// [any but audio] Before JUCE's wrapper is deleted: delivers what is posted to the message thread. JUCE's own
+    /// notification of the host would otherwise run while the wrapper goes. Gives up after half a second.
+    void flushMessages() { editorPort_.flushMessages(); }
+
     /// [message] Tells the host that there is something to save.
     void tellHostOfChange();
 
@@ -131,6 +135,7 @@ class CZSP final : public juce::AudioProcessor,
     ActivityMeter activity_;
     std::atomic<bool> cancelRequested_{false}; // of the running load
     std::atomic<bool> bypassed_{false};
+    bool isConstructed_ = false; // before that the host knows no effect, and cannot be told of its loads
     std::atomic<double> progress_{-1.0};
     std::atomic<std::uint32_t> groupsGeneration_{0}, loadGeneration_{0};
     Settings settings_;

@@ -39,6 +39,14 @@ void EditorPort::loadingStarted() {
     if (isMessageThread() && window_ != nullptr) window_.load()->loadingStarted();
 }
 
+void EditorPort::flushMessages() {
+    constexpr int timeoutMs = 500;
+    abandonMessages();
+    if (isMessageThread()) return;
+    const auto handled = std::make_shared<juce::WaitableEvent>();
+    if (juce::MessageManager::callAsync([handled] { handled->signal(); })) handled->wait(timeoutMs);
+}
+
 void EditorPort::showEndOfLoad() {
     const thread::Acts asMessage(thread::message);
     processor_.tellHostOfChange();

@@ -27,6 +27,9 @@ class EditorPort final : public EditorLink {
     void loadingStarted();
     /// [any] Posts to the message thread: tell the host, rebuild the window's panel, say what went wrong.
     void postEndOfLoad() { endOfLoad_->post(); }
+    /// [any but audio] No message of ours is posted any more; returns when the message thread has handled those that
+    /// were, or after half a second.
+    void flushMessages();
     /// [any] No posted message reaches this object after it returns.
     void abandonMessages() { endOfLoad_->abandon(); }
 

@@ -12,8 +12,6 @@
 namespace zarno {
 namespace {
 
-constexpr int mostFolders = 4096; // that are watched
-
 std::shared_ptr<const Library> read(const std::vector<std::string>& folders) {
     const auto library = std::make_shared<Library>();
     const bool answers = runWithTimeout(
@@ -27,15 +25,15 @@ std::uint64_t stampOf(const std::vector<std::string>& folders) {
     const auto add = [&stamp](const juce::File& folder) {
         stamp = stamp * 31 + static_cast<std::uint64_t>(folder.getLastModificationTime().toMilliseconds());
     };
-    int count = 0;
+    std::size_t count = 0;
     for (const std::string& path : folders) {
         const auto text = juce::String::fromUTF8(path.c_str());
         if (!juce::File::isAbsolutePath(text)) continue;
         add(juce::File(text));
         for (const auto& entry :
              juce::RangedDirectoryIterator(juce::File(text), true, "*", juce::File::findDirectories,
-                                           juce::File::FollowSymlinks::noCycles)) {
-            if (++count > mostFolders) return stamp;
+                                           juce::File::FollowSymlinks::no)) {
+            if (++count > limits::libraryEntries) return stamp;
             add(entry.getFile());
         }
     }

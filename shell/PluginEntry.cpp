@@ -131,6 +131,7 @@ Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
     const auto open = effects().remove(effect);
     if (open == nullptr) return 0;
     closeGate(*open);
+    open->processor.flushMessages();
     return callWrapper(*open, effect, call);
 }
 

@@ -30,7 +30,7 @@ juce::Image programIcon() {
 class Window final : public juce::DocumentWindow {
   public:
     Window(const juce::String& name, juce::PropertySet* settings)
-        : DocumentWindow(name, juce::Colour(0xff1d2025), minimiseButton | closeButton)
+        : DocumentWindow(name, juce::Colour(0xff1d2025), minimiseButton | closeButton, false)
         , holder_(settings, false, {}, nullptr, {}, true) {
         StandaloneHooks::lacksAudioDevice = [this] {
             return holder_.deviceManager.getCurrentAudioDevice() == nullptr;
@@ -41,6 +41,7 @@ class Window final : public juce::DocumentWindow {
         setContentOwned(holder_.processor->createEditorIfNeeded(), true);
         setResizable(false, false);
         centreWithSize(getWidth(), getHeight());
+        addToDesktop();
         setVisible(true);
         getPeer()->setIcon(programIcon());
     }

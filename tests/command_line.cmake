@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: GPL-3.0-or-later
 # What scripts rely on: the exit codes of zarno (0, 1 bad input, 2 wrong use), where it says why, and that packing
-# undoes unpacking. Called with ZARNO, the command to run, FOLDER, an empty place to work in, and IMPORT where
-# there is that command.
+# undoes unpacking. Called with ZARNO, the command to run, FOLDER, an empty place to work in, IMPORT where
+# there is that command, and PLAYER where there are those that play and draw.
 function(expect code said)
     execute_process(COMMAND ${ZARNO} ${ARGN} WORKING_DIRECTORY ${FOLDER} RESULT_VARIABLE result OUTPUT_VARIABLE out
                     ERROR_VARIABLE error)
     if(NOT result STREQUAL code OR NOT "${out}${error}" MATCHES "${said}")
         message(SEND_ERROR "zarno ${ARGN}: exit code ${result} instead of ${code}, or no \"${said}\" in\n${out}${error}")
     endif()
-    if(code EQUAL 1 AND NOT error MATCHES "^zarno: ")
+    if(code EQUAL 1 AND NOT error MATCHES "(^|\n)zarno: ")
         message(SEND_ERROR "zarno ${ARGN}: nothing on the error channel")
     endif()
 endfunction()
@@ -27,9 +27,11 @@ expect(2 "FILE" info)
 expect(2 "" info one.zse --loud)
 expect(1 "absent.zse: the file cannot be opened" info absent.zse)
 expect(1 "text.zse: this is not an instrument" unpack text.zse out)
-expect(1 "settings.volume: this must be a number" pack bad out.zse)
+expect(0 "^zarno [0-9]+\\.[0-9]+" --version)
+expect(1 "instrument.json:1:47: settings.volume: this must be a number.*1 error" pack bad out.zse)
 expect(1 "a.wav: there is no wave" pack in embedded.zse --embed)
-expect(0 "warning: there is no wave \"a.wav\"" pack in one.zse)
+expect(0 "warning: there is no wave \"a.wav\".*1 group, 1 zone, 1 sample|1 group, 1 zone.*error: sample" pack in one.zse)
+expect(0 "`releaseDecayTime`" fields)
 expect(0 "pan 0.1" info one.zse)
 expect(0 "\"rootKey\": 60" info one.zse --json)
 expect(0 "" unpack one.zse out)
@@ -39,6 +41,23 @@ expect(0 "" pack out two.zse)
 execute_process(COMMAND ${CMAKE_COMMAND} -E compare_files ${FOLDER}/one.zse ${FOLDER}/two.zse RESULT_VARIABLE differ)
 if(differ)
     message(SEND_ERROR "packing did not undo unpacking")
+endif()
+
+expect(0 "1 group, 1 zone.*watching " watch in watched.zse --for 0.5)
+expect(0 "instrument.json:1:47.*watching |watching .*instrument.json:1:47" watch bad watched.zse --for 0.5)
+expect(1 "absent: there is no such folder" watch absent watched.zse)
+
+if(PLAYER)
+    # A song without notes: CMake writes no zero bytes.
+    execute_process(COMMAND printf "MThd\\0\\0\\0\\6\\0\\0\\0\\1\\0\\140MTrk\\0\\0\\0\\4\\0\\377/\\0"
+        OUTPUT_FILE ${FOLDER}/empty.mid)
+    expect(1 "silent.wav: this is silent: the song has no notes" render one.zse empty.mid silent.wav)
+    expect(0 "" panel in panel.png)
+    file(READ ${FOLDER}/panel.png picture LIMIT 24 HEX)
+    if(NOT picture MATCHES "^89504e47.*00000251000000f2$")
+        message(SEND_ERROR "the built-in panel is no picture of 593 x 242: ${picture}")
+    endif()
+    expect(1 "\"text.zse\" is not an instrument" panel text.zse panel.png)
 endif()
 
 if(IMPORT)

@@ -3,10 +3,11 @@
 #include "data/Limits.h"
 #include "data/load/InstrumentFormat.h"
 #include "data/sound/ZEmbeddedSoundFile.h"
+#include "engine/Fields.h"
 #include "engine/Records.h"
 #include "gui/ControlBindings.h"
 #include "gui/LayoutFormat.h"
-#include "tools/zarno/RecordFields.h"
+#include "tools/zarno/FieldReference.h"
 
 #include <gmock/gmock.h>
 
@@ -74,8 +75,9 @@ void expectTableOf(const std::string& text, const std::string& name) {
                                                              : "uint64",
                               isFloat ? number(real) : std::to_string(whole), std::string(field.unit)};
         EXPECT_EQ(Row(rows[i].begin(), rows[i].begin() + 5), expected) << name;
-        for (std::size_t value = 0; value < field.texts.size(); ++value)
-            EXPECT_THAT(rows[i][5], HasSubstr(std::to_string(value) + ' ' + std::string(field.texts[value])));
+        for (std::size_t value = 0; value < field.choices.size(); ++value)
+            EXPECT_THAT(rows[i][5],
+                        HasSubstr(std::to_string(value) + ' ' + std::string(field.choices[value])));
     }
     EXPECT_EQ(rows.back()[0], std::to_string(layout.unreadOffset));
 }
@@ -104,6 +106,10 @@ TEST(Documents, TheFormatIsTheOneThatIsRead) {
           {"reserved", offsetof(SampleBlockHeader, reserved)},
           {"frames", offsetof(SampleBlockHeader, frames)}})
         EXPECT_THAT(text, HasSubstr("| " + std::to_string(offset) + " | " + field + " |"));
+}
+
+TEST(Documents, TheReferenceOfSettingsIsWhatZarnoFieldsPrints) {
+    EXPECT_THAT(document("instrument-folder.md"), HasSubstr(fieldReference()));
 }
 
 TEST(Documents, TheLayoutsVocabularyIsWhole) {

@@ -22,7 +22,9 @@ class ImportSfz : public testing::Test {
     }
     ImportedSound sound(const std::string& text, ImportOptions options = {}) {
         remarks = ImportReport();
-        const auto source = readSfz(folder.write("x.sfz", text), remarks);
+        auto source = readSfz(folder.write("x.sfz", text), remarks);
+        EXPECT_EQ(source.volume, -10.0); // headroom for chords
+        source.volume = 0.0;
         return ImportedSound(source, folder, remarks, std::move(options));
     }
     TempFolder folder;
@@ -42,16 +44,12 @@ TEST_F(ImportSfz, OpcodesDoWhatTheySay) {
         {"velocity tracking",
          "<global>amp_veltrack=100 <region>sample=a.wav",
          "60v127 60v64 60v32",
-         {.5, .5f * .2557f, .5f * .0643f}},
-        {"half velocity tracking",
-         "<global>amp_veltrack=50 <region>sample=a.wav",
-         "60v127 60v32",
-         {.5, .5f * .2536f}},
-        {"most zones' velocity tracking",
-         "<region>sample=a.wav key=60 amp_veltrack=50 <region>sample=b.wav key=61 amp_veltrack=50 "
+         {.5, .5f * .2540f, .5f * .0635f}},
+        {"each zone's velocity tracking",
+         "<region>sample=a.wav key=60 amp_veltrack=50 <region>sample=b.wav key=61 amp_veltrack=-100 "
          "<region>sample=c.wav key=62 amp_veltrack=100",
-         "60v32 62v32",
-         {.5f * .2536f, .125f * .2536f}},
+         "60v127 60v32 61v127 61v64 62v32",
+         {.5, .5f * .5318f, 0, .25f * .7461f, .125f * .0635f}},
         {"levels add up",
          "<global>global_volume=-6.0206 <master>master_volume=-6.0206 <group>group_volume=6.0206 "
          "<region>sample=a.wav volume=-6.0206 amplitude=50 key=60 <region>sample=b.wav gain=6.0206 key=61",
@@ -111,7 +109,37 @@ TEST_F(ImportSfz, OpcodesDoWhatTheySay) {
          "xfin_hivel=60 xfout_lokey=62 xfout_hikey=66 <region>sample=c.wav xfin_lokey=c4 "
          "xfin_hikey=66 lovel=50 <region>sample=sub/d.wav xfin_locc3=10 xfin_hicc3=90 lovel=50",
          "60v49 60v50 64v50 cc3=49 60v50 cc3=50 60v50",
-         {.5, .25, .125, .25, .3125}},
+         {.5385f, .5303f, .5670f, .5303f, .5928f}},
+        {"what controllers are at the start",
+         "<control>set_cc74=127 set_cc10=64 set_hdcc103=1 set_cc2=0 <global>amp_veltrack=0 pitch_keytrack=0 "
+         "pan=-100 pan_oncc10=200 "
+         "ampeg_sustain=0 "
+         "ampeg_sustain_oncc103=100 lokey=48 <region>sample=a.wav key=60 locc74=1 <region>sample=b.wav "
+         "key=60 "
+         "locc74=1 hicc74=126 <region>sample=c.wav key=61 amplitude_oncc74=50 amplitude_cc2=100 "
+         "amplitude_curvecc2=2 "
+         "<region>sample=b.wav key=62 volume=-6.0206 gain_cc74=6.0206 <region>sample=a.wav key=63 "
+         "xfin_locc74=0 "
+         "xfin_hicc74=127 xf_cccurve=gain",
+         "60 cc74=3 60 61 62 63",
+         {.5, .5, .0625, .25, .5}},
+        {"odd layers of a keyswitch",
+         "<global>sw_default=24 sw_last=24 seq_length=2 <region>sample=b.wav key=60 <region>sample=c.wav "
+         "key=60 "
+         "seq_position=2 <region>sample=b.wav key=61 <region>sample=c.wav key=61 seq_position=2 "
+         "<region>sample=b.wav "
+         "key=62 <region>sample=c.wav key=62 seq_position=2 <region>sample=b.wav key=63 <region>sample=c.wav "
+         "key=63 "
+         "seq_position=2 <region>sample=b.wav key=64 <region>sample=c.wav key=64 seq_position=2 "
+         "<region>sample=a.wav "
+         "key=60",
+         "60 60 61 61",
+         {.25, .125, .125, .25}},
+        {"alternatives on different keys",
+         "<global>seq_length=2 <region>sample=a.wav lokey=60 hikey=64 <region>sample=b.wav lokey=60 hikey=62 "
+         "seq_position=2 <region>sample=c.wav lokey=63 hikey=64 seq_position=2",
+         "60 60 63 63 60",
+         {.5, .25, .125, .5, .25}},
         {"exclusive groups",
          "<region>sample=a.wav key=60 group=1 <region>sample=b.wav key=61 group=2 off_by=1 "
          "<region>sample=c.wav key=62 <region>sample=sub/d.wav key=61 group=2 off_by=1",
@@ -138,7 +166,10 @@ TEST_F(ImportSfz, OpcodesDoWhatTheySay) {
         if (text.starts_with("<global>")) text.erase(0, 8);
         text = "<global>amp_veltrack=0 pitch_keytrack=0 " + text;
         auto playing = sound(text);
-        EXPECT_THAT(playing.play(one.script), Pointwise(FloatNear(2e-3f), one.levels));
+        const auto levels = playing.play(one.script);
+        ASSERT_EQ(levels.size(), one.levels.size());
+        for (std::size_t i = 0; i < levels.size(); ++i) // half a decibel for velocities
+            EXPECT_NEAR(levels[i], one.levels[i], 2e-3 + 0.06 * one.levels[i]) << i;
     }
 }
 
@@ -213,12 +244,13 @@ TEST_F(ImportSfz, EnvelopeAndPan) {
     const auto on = playing.render(66150);
     const auto peak = std::max_element(on.left.begin(), on.left.end());
     EXPECT_NEAR(static_cast<double>(peak - on.left.begin()), 0.2 * 44100, 200);
-    EXPECT_NEAR(*peak, 0.5, 1e-3);
-    EXPECT_NEAR(on.right[8000] / on.left[8000], 0.75, 1e-4);
-    EXPECT_NEAR(on.left.back(), 0.125, 1e-3);
+    EXPECT_NEAR(*peak, 0.5 * 1.176, 0.02); // equal power: 1.4 dB up, 2.1 dB down
+    EXPECT_NEAR(on.right[8000] / on.left[8000], 0.668, 1e-3);
+    EXPECT_NEAR(on.left.back(), 0.125 * 1.176, 2e-3);
     playing.noteOff(60);
     const auto off = playing.render(44100).left;
-    const auto quiet = std::find_if(off.begin(), off.end(), [](float v) { return v < 0.5f * 0.05f; });
+    const auto quiet =
+        std::find_if(off.begin(), off.end(), [](float v) { return v < 0.5f * 1.176f * 0.05f; });
     EXPECT_NEAR(static_cast<double>(quiet - off.begin()), 0.0326 * 44100, 0.004 * 44100);
     EXPECT_EQ(off.back(), 0.0f);
 }
@@ -250,7 +282,31 @@ TEST_F(ImportSfz, RandomRegionsAreAsLikely) {
         EXPECT_NEAR(count, level < 1 ? 150 : 100, level < 1 ? 40 : 35) << level;
 }
 
-TEST_F(ImportSfz, ManyKeysShareARoundRobin) {
+TEST_F(ImportSfz, ChancesKeepTheirShares) {
+    auto playing =
+        sound("<group>amp_veltrack=0 <region>sample=a.wav hirand=0.5 <region>sample=b.wav lorand=0.5 "
+              "hirand=0.75 <region>sample=c.wav lorand=0.75");
+    std::map<float, int> counts;
+    std::string script;
+    for (int i = 0; i < 600; ++i)
+        script += "60 ";
+    for (const float level : playing.play(script))
+        ++counts[std::round(level * 8) / 8];
+    EXPECT_NEAR(counts[.5f], 300, 50);
+    EXPECT_NEAR(counts[.25f], 150, 45);
+    EXPECT_NEAR(counts[.125f], 150, 45);
+}
+
+// Two microphones: a stroke is the same in both.
+TEST_F(ImportSfz, RandomLayersStayTogether) {
+    auto playing =
+        sound("<global>amp_veltrack=0 <region>sample=a.wav hirand=0.5 <region>sample=b.wav lorand=0.5 "
+              "<region>sample=c.wav hirand=0.5 <region>sample=sub/d.wav lorand=0.5");
+    for (const float level : playing.play("60 60 60 60 60 60"))
+        EXPECT_TRUE(std::abs(level - .625f) < 1e-3f || std::abs(level - .3125f) < 1e-3f) << level;
+}
+
+TEST_F(ImportSfz, EachKeyAlternatesForItself) {
     std::string text = "<global>amp_veltrack=0 pitch_keytrack=0 seq_length=2 ";
     for (int key = 30; key < 90; ++key)
         for (const char* region : {"<region>sample=a.wav", "<region>seq_position=2 sample=b.wav"})
@@ -258,34 +314,36 @@ TEST_F(ImportSfz, ManyKeysShareARoundRobin) {
     auto playing = sound(text);
     EXPECT_THAT(playing.play("40 41 40 41 41 41 40"),
                 Pointwise(FloatNear(1e-3f), {.5f, .5f, .25f, .25f, .5f, .25f, .5f}));
-    EXPECT_EQ(playing.engine.groups().size(), 1u);
-    EXPECT_EQ(remarks.count("round robin on many keys"), 60u);
 }
 
+// What moves is taken at the controllers' start, and they are named; what is left out is counted.
 TEST_F(ImportSfz, SaysWhatItCannotExpress) {
     sound(
-        "<control>set_cc1=5 <curve>x=1 <group>fil_type=lpf_2p cutoff=500 ampeg_hold=0.1 delay=0 "
-        "pan_oncc10=100 sw_up=30\n<region>sample=a.wav bogus_word=1\n<region>sample=b.wav loop_mode=no_loop "
-        "junk\n<region>sample=c.wav off_mode=fast eq1_gain_oncc3=5 trigger=first offset=99999999 <open\n"
-        "<region>sample=gone.wav");
-    const std::pair<const char*, std::uint64_t> expected[] = {{"set_ccN", 1},
-                                                              {"header <curve>", 1},
-                                                              {"fil_type", 3},
-                                                              {"cutoff", 3},
-                                                              {"ampeg_hold", 3},
-                                                              {"pan_onccN", 3},
-                                                              {"sw_up", 3},
-                                                              {"bogus_word", 1},
-                                                              {"eq1_gain_onccN", 1},
-                                                              {"trigger=first", 1},
-                                                              {"missing sample file", 1},
-                                                              {"header without its end", 1},
-                                                              {"text that is no opcode", 1},
-                                                              {"start behind the sample's end", 1}};
+        "<control>set_cc1=5 label_cc10=Pan set_cc40=1 <mystery>x=1 <group>ampeg_start=10 delay=0 "
+        "pan_oncc10=100 "
+        "sw_up=30\n<region>sample=a.wav bogus_word=1\n<region>sample=b.wav loop_mode=no_loop junk\n"
+        "<region>sample=c.wav off_mode=fast eq1_gain_oncc3=5 trigger=first offset=99999999 <open\n"
+        "<region>sample=gone.wav\n<region>sample=a.wav hicc40=0\n<region>sample=a.wav amplitude_oncc41=100");
+    const std::pair<const char*, std::uint64_t> expected[] = {
+        {"header <mystery>", 1},
+        {"ampeg_start", 3},
+        {"controller 10 (Pan)", 5},
+        {"sw_up", 5},
+        {"bogus_word", 1},
+        {"controller 3", 1},
+        {"controller 41", 1},
+        {"trigger=first", 1},
+        {"missing sample file", 1},
+        {"header without its end", 1},
+        {"text that is no opcode", 1},
+        {"region for another value of controller 40", 1},
+        {"region that is silent until controller 41 moves", 1},
+        {"start behind the sample's end", 1}};
     for (const auto& [what, count] : expected)
         EXPECT_EQ(remarks.count(what), count) << what;
-    EXPECT_EQ(remarks.remarks().size(), std::size(expected)) << remarks.toText();
+    EXPECT_EQ(remarks.remarks().size(), std::size(expected)) << remarks.remarksText(0);
     EXPECT_EQ(remarks.toJson()["remarks"][0]["first"], "x.sfz:3");
+    EXPECT_THAT(remarks.remarksText(3), testing::HasSubstr("and 11 more kinds"));
 }
 
 TEST_F(ImportSfz, RefusesWhatIsNone) {

@@ -156,7 +156,7 @@ TEST(Shaping, ZonesBecomeNarrowEnoughForACopyEachAsLongAsThereIsRoom) {
     samples = {sampleOf(std::uint64_t{1} << 40, [](std::uint64_t) { return 0.0f; })};
     EXPECT_EQ(shapeZones({zone}, samples, report).size(), 1u);
     EXPECT_EQ(samples.size(), 1u);
-    EXPECT_THAT(report.toText(), testing::HasSubstr("left out"));
+    EXPECT_THAT(report.remarksText(0), testing::HasSubstr("left out"));
 }
 
 TEST(Shaping, LittleRecordingsGetNoHundredsOfMegabytes) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tests/support/SoundFontBuilder.h"
 #include "tests/support/TempFolder.h"
+#include "tools/import/SampleLibrary.h"
 #include "tools/import/SoundFontImport.h"
 #include "tools/import/SoundFontLibrary.h"
 #include "tools/zarno/InstrumentReport.h"
@@ -146,6 +147,8 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
     std::int16_t frames[4] = {};
     EXPECT_EQ(sample.open()->read(frames, 2), 2u);
     EXPECT_THAT(frames, testing::ElementsAre(2000, 1000, 2001, 1001)); // left is the second sample
+    std::vector<std::int16_t> whole(2 * 500);
+    EXPECT_EQ(sample.open()->read(whole.data(), 500), 500u);
 
     builder.preset = {{{G::Instrument, 0}}, {{G::Instrument, 0}}, {{G::FineTune, 9}, {G::Instrument, 0}}};
     const auto layers = import(builder).zones;
@@ -161,8 +164,45 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
                 testing::ElementsAre(2000.5f / 32768, 1000.5f / 32768, 2001.5f / 32768, 1001.5f / 32768));
     EXPECT_EQ(wide.format.bits, 24);
 
+    builder.wide = false;
+    builder.compressed = builder.unpadded = true;
+    const auto compressed = import(builder);
+    ASSERT_EQ(compressed.zones.size(), 1u);
+    EXPECT_EQ(std::pair(compressed.zones[0].loopStart, compressed.zones[0].loopEnd),
+              std::pair(pair.zones[0].loopStart, pair.zones[0].loopEnd));
+    const auto decoded = compressed.samples.at(0).open();
+    std::vector<std::int16_t> all(2 * 500);
+    EXPECT_EQ(decoded->read(all.data(), 600), 500u);
+    EXPECT_EQ(all, whole);
+    EXPECT_EQ(file.name, "Test");
+    builder.compressed = false;
+
     builder.samples[0].points = 499; // not the same recording any more
     EXPECT_EQ(import(builder).zones.size(), 2u);
+}
+
+TEST(SampleLibrary, WritesEqualSamplesOnce) {
+    SampleLibrary library("samples");
+    ImportedSample sample;
+    sample.name = "Bell";
+    sample.identity = "3";
+    SampleForm form;
+    form.frames = 100;
+    ShapedPart part;
+    part.rate = 22050;
+    const auto first = library.wave(sample, form, 2);
+    EXPECT_TRUE(first.isNew);
+    EXPECT_FALSE(library.wave(sample, form, 2).isNew);
+    EXPECT_EQ(library.wave(sample, form, 2).name, first.name);
+    sample.shape = std::make_shared<const ShapedPart>(part);
+    const auto shaped = library.wave(sample, form, 2);
+    EXPECT_TRUE(shaped.isNew);
+    EXPECT_NE(shaped.name, first.name);
+    EXPECT_FALSE(library.wave(sample, form, 2).isNew);
+    form.loopStart = 5;
+    EXPECT_TRUE(library.wave(sample, form, 2).isNew);
+    sample.identity.clear();
+    EXPECT_TRUE(library.wave(sample, form, 2).isNew);
 }
 
 TEST_F(SoundFonts, APresetBecomesAnInstrumentThatPlays) {
@@ -178,6 +218,12 @@ TEST_F(SoundFonts, APresetBecomesAnInstrumentThatPlays) {
     EXPECT_TRUE(made.file.isEmbedded());
     EXPECT_FALSE(made.file.incomplete);
     EXPECT_EQ(made.file.settings.volume, -10.0f);
+    options.embed = false;
+    importAllPresets(file, options, report);
+    const auto waves = reportOn(folder / "library/003-012 Bell.zse").samples;
+    ASSERT_EQ(waves.size(), 1u);
+    EXPECT_TRUE(waves[0].found);
+    EXPECT_EQ(waves[0].name, "samples\\S0.wav");
     EXPECT_NO_THROW(findPreset(file, "3:12"));
     EXPECT_NO_THROW(findPreset(file, "Bell"));
     EXPECT_THROW(findPreset(file, "12"), MakerError); // of bank 0

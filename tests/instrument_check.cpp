@@ -27,6 +27,7 @@ Json soundInstrument() {
     };
     return {{"format", "zarno-instrument"},
             {"name", "Sound"},
+            {"oddValues", true},
             {"groups", {group("Soft", 24), group("Loud", 25)}}};
 }
 
@@ -35,8 +36,8 @@ class InstrumentCheck : public testing::Test {
     Findings check(const Json& json, const PackOptions& options = {}) {
         folder.write("in/a.wav", WaveBuilder().format(1, 44100, 16).data(std::string(200, '\x40')).bytes());
         folder.write("in/instrument.json", json.dump());
-        std::vector<std::string> missing;
-        writeInstrumentFile(readInstrumentFolder(folder / "in", options, missing), folder / "in/out.zse");
+        PackNotes notes;
+        writeInstrumentFile(readInstrumentFolder(folder / "in", options, notes), folder / "in/out.zse");
         return checkInstrument(reportOn(folder / "in/out.zse"), [](double) {});
     }
 
@@ -46,6 +47,22 @@ class InstrumentCheck : public testing::Test {
 TEST_F(InstrumentCheck, ASoundInstrumentIsLeftInPeace) {
     EXPECT_EQ(findingsToText(check(soundInstrument())), "");
     EXPECT_EQ(findingsToText(check(soundInstrument(), {.embed = true})), "");
+}
+
+TEST_F(InstrumentCheck, KeysOfARoundRobinThatTakeEachOthersTurns) {
+    Json json = soundInstrument();
+    Json& group = json["groups"][0];
+    const Json low = group["zones"][0], high = group["zones"][1];
+    group["settings"]["selectionMode"] = "Round Robin";
+    group["zones"] = {low, low, high, high};
+    EXPECT_EQ(findingsToText(check(json)), "warning: group 1 \"Soft\": its round robin counts for all keys "
+                                           "together, and its zones are ordered by "
+                                           "key, so playing several keys skips takes: give each key its own "
+                                           "group, or order the zones by take\n");
+    for (const Json& zones : {Json{low, high, low, high}, Json{low, low}, Json{low, high}}) {
+        group["zones"] = zones;
+        EXPECT_EQ(findingsToText(check(json)), "");
+    }
 }
 
 struct Fault {
@@ -68,7 +85,7 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         {R"({"loopStart": 3, "startFrame": 5})", "the loop starts at 3, before the zone's start 5"},
         {R"({"loopStart": 90, "loopEnd": 90})", "the loop's start 90 is not before its end 90"},
         {R"({"volume": 7})", "its loudest note peaks at +1.0 dB and is clipped", false},
-        {R"({"pan": 1.5})", "pan is 1.5: it must be from -1.0 to 1.0"},
+        {R"({"pan": 1.5})", "pan is 1.5: it must be from -1 to 1"},
         {R"({"attack": "0x7fc00000"})", "attack is 0x7fc00000: that is no number"},
     };
     for (const Fault& fault : inZone) {
@@ -86,8 +103,7 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         {R"({"groups": []})", "groups: there are none"},
         {R"({"layout": ""})", "layout, line 1: there is no element: no panel is shown"},
         {R"({"layout": "instrument.json"})", "layout, line 1: text stands before the first element"},
-        {R"({"settings": {"polyphony": 0}})",
-         "settings: polyphonyStored is 0: it must be from 1.0 to 1024.0"},
+        {R"({"settings": {"polyphony": 0}})", "settings: polyphonyStored is 0: it must be from 1 to 1024"},
         {R"({"settings": {"quality": 9}})", "settings: quality is 9: there is no such choice"},
         {R"(g{"name": ""})", R"(group 2 "": the name is empty)", false},
         {R"(g{"zones": []})", "there are no zones", false},
@@ -117,6 +133,42 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         const Findings findings = check(json);
         EXPECT_THAT(findingsToText(findings), HasSubstr(fault.finding)) << fault.patch;
         EXPECT_EQ(countErrors(findings) > 0, fault.isError) << fault.patch << findingsToText(findings);
+    }
+}
+
+// Each patch is for the settings of all zones of the group that is active at the start.
+TEST_F(InstrumentCheck, HearsSilenceAndSides) {
+    const std::pair<const char*, const char*> cases[] = {
+        {R"({"volume": -144})", "error: sound: no note sounds"},
+        {R"({"volume": -66})", "error: sound: no note sounds"},
+        {R"({"volume": -59})", ""},
+        {R"({"pan": -1})", "error: sound: it sounds on the left side only"},
+        {R"({"pan": 1})", "error: sound: it sounds on the right side only"},
+        {R"({"pan": 0.9})", ""},
+        {R"(s{"trigger": "Controller", "controllerNumber": 9, "controllerLow": 1, "controllerHigh": 9})",
+         "no note sounds"},
+        {R"(s{"trigger": "Controller", "controllerNumber": 9, "controllerLow": 0, "controllerHigh": 9})", ""},
+        {R"(s{"trigger": "Program", "program": 3})", "no note sounds"},
+        {R"(s{"releaseTrigger": 1})", "no note sounds"},
+        {R"(z{"volume": -100})", "error: sound: keys 36..59 are silent"},
+    };
+    for (const auto& [patch, finding] : cases) {
+        Json json = soundInstrument();
+        json["groups"].erase(1);
+        std::string_view text = patch;
+        auto& zones = json["groups"][0]["zones"];
+        if (text[0] == 's')
+            json["groups"][0]["settings"].update(Json::parse(text.substr(1)));
+        else if (text[0] == 'z')
+            zones[0]["settings"].update(Json::parse(text.substr(1)));
+        else
+            for (auto& zone : zones)
+                zone["settings"].update(Json::parse(text));
+        const std::string found = findingsToText(check(json));
+        if (*finding == 0)
+            EXPECT_EQ(found, "") << patch;
+        else
+            EXPECT_THAT(found, HasSubstr(finding)) << patch;
     }
 }
 

@@ -96,6 +96,7 @@ class Duel {
             ZGroup& group =
                 *groups()[static_cast<std::size_t>(chance_.below(static_cast<int>(groups().size())))];
             randomiseEnvelope(group.record, chance_);
+            if (!sustained_) randomiseTrigger(group.record, chance_);
             played_.engine.prepareZones(group);
             plain_->prepareZones();
         }

@@ -32,7 +32,6 @@ SAMPLE_PEAK = 0.89  # waves are stored near full scale; the zone's volume sets t
 
 ROUND_ROBIN, STACK = 1, 0
 ALWAYS, NOTE = 0, 2
-EXPRESSION = 2  # what the LFO moves: with Pan it would overwrite the panel's pan knob
 
 KNOB = '<knob x="{}" y="{}" width="40" height="40" 2="{}" 16782198="66dfc4c4" 16782197="7fdadadc"/>'
 KNOBS = ((75, 123, 101), (148, 124, 102), (222, 123, 103), (309, 124, 104), (393, 124, 2), (477, 124, 3))
@@ -185,7 +184,7 @@ def instrument(groups):
         "storage": "external",
         "name": "Lantern Tines",
         "title": "Lantern Tines",
-        "text": "Electric tine piano. Keyswitches: C1 tine piano, C#1 mallet. Mod wheel: tremolo.",
+        "text": "Electric tine piano. Keyswitches: C1 tine piano, C#1 mallet.",
         "settings": {
             "streaming": 0,
             "sixteenBit": 1,
@@ -194,10 +193,7 @@ def instrument(groups):
             "velocityCurve": 0,
             "velocityFloor": -40,
             "volume": 2.0,
-            "lfoShape": 1,
-            "lfoDestination": EXPRESSION,
-            "lfoDepthSource": 1,
-            "lfoRate": 4.6,
+            "lfoDestination": 0,  # Pan and Expression overwrite what the panel and the pedal set
             "reverbSend": 0.2,
         },
         "layout": "layout.xml",

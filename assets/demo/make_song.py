@@ -43,8 +43,6 @@ LAST_CHORD, LAST_LEVEL = "C2 C3 E4 G4 C5", 60
 PACE = {1: 90, 3: 99, 4: 95, 6: 102, 8: 97, 11: 98, 15: 100, 18: 95, 19: 88, 20: 97, 24: 106, 28: 104}
 PACE |= {29: 99, 31: 96, 32: 91, 33: 88, 34: 78, 34.5: 70, 34.8: 54, 35: 50}
 
-TREMOLO = {20: 0, 25: 34, 30: 34, 33: 0}  # mod wheel by bar
-
 
 def key_number(name):
     """MIDI key of a name such as F#4 (66)."""
@@ -127,15 +125,6 @@ def tempo_track(last_bar):
     return track
 
 
-def tremolo(track):
-    last = None
-    for step in range(16 * (min(TREMOLO) - 1), 16 * max(TREMOLO)):
-        value = round(glide(TREMOLO, 1 + step / 16))
-        if value != last:
-            track.controller(step * SIXTEENTH, 1, value)
-        last = value
-
-
 def song():
     track = midi_file.Track()
     track.text(3, "Lantern Tines")
@@ -150,7 +139,6 @@ def song():
         play_run(player, lead_in + (len(bars) + index) * BAR, bass, run, level)
     last = len(bars) + len(RUNS)
     play_last_chord(player, lead_in + last * BAR, LAST_LEVEL)
-    tremolo(track)
     return [tempo_track(last + 1), track]
 
 

@@ -12,12 +12,27 @@ namespace {
 constexpr std::size_t chunkHeaderBytes = 4 + 4;
 constexpr std::uint16_t integerPcm = 1;
 constexpr std::uint16_t floatPcm = 3;
+constexpr std::uint16_t extensible = 0xFFFE; // the real tag follows in an extension of the chunk
+constexpr std::uint8_t restOfTag[14] = {0, 0, 0, 0, 16, 0, 128, 0, 0, 170, 0, 56, 155, 113};
 
 bool isId(const char (&id)[4], const char* name) {
     return std::memcmp(id, name, 4) == 0;
 }
 
-bool readFormat(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
+// After the 16 bytes of a plain format: size, valid bits, speakers, and a tag of 16 bytes.
+bool readExtension(Bytes& bytes, std::uint32_t chunkSize, std::uint16_t& tag) {
+    struct {
+        std::uint8_t before[8];
+        std::uint16_t tag;
+        std::uint8_t rest[14];
+    } extension;
+    static_assert(sizeof extension == 24);
+    if (chunkSize < 40 || !bytes.read(&extension, sizeof extension)) return false;
+    tag = extension.tag;
+    return std::memcmp(extension.rest, restOfTag, sizeof restOfTag) == 0;
+}
+
+bool readFormat(Bytes& bytes, std::uint32_t chunkSize, WaveHeader& header, WaveFormats formats) {
     struct {
         std::uint16_t tag, channels;
         std::uint32_t sampleRate, byteRate;
@@ -25,8 +40,9 @@ bool readFormat(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
     } format;
     static_assert(sizeof format == 16);
     if (!bytes.read(&format, sizeof format)) return false;
-    header.floatSamples =
-        format.tag == floatPcm && format.bitsPerSample == 32 && formats == WaveFormats::IntegerAndFloat;
+    const bool forTools = formats == WaveFormats::Tools;
+    if (format.tag == extensible && forTools && !readExtension(bytes, chunkSize, format.tag)) return false;
+    header.floatSamples = format.tag == floatPcm && format.bitsPerSample == 32 && forTools;
     if (format.tag != integerPcm && !header.floatSamples) return false;
     if (format.channels < 1 || format.channels > 2) return false;
     if (format.bitsPerSample == 0 || format.bitsPerSample % 8 != 0 || format.bitsPerSample > 32) return false;
@@ -78,7 +94,7 @@ bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats) {
         if (!bytes.read(id, 4) || !bytes.read(chunkSize)) break;
         std::uint64_t next = bytes.position() + chunkSize;
         if (isId(id, "fmt ")) {
-            if (!readFormat(bytes, header, formats)) return false;
+            if (!readFormat(bytes, chunkSize, header, formats)) return false;
         } else if (isId(id, "data")) {
             if (!readData(bytes, chunkSize, header)) return false;
         } else if (isId(id, "smpl")) {

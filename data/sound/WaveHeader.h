@@ -24,11 +24,11 @@ struct WaveHeader {
     std::uint64_t loopEnd = 0; ///< exclusive
 };
 
-/// Players read integer samples only; tools read 32-bit floats, too.
-enum class WaveFormats { Integer, IntegerAndFloat };
+/// Players read plain integer samples only; tools also read 32-bit floats and the extensible format.
+enum class WaveFormats { Player, Tools };
 
 /// Reads the header of a PCM wave of 8, 16, 24 or 32 bits and 1 or 2 channels. False when it is something
 /// else or has sample data before its format. Sizes beyond the file's end are cut there.
-bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats = WaveFormats::Integer);
+bool readWaveHeader(Bytes& bytes, WaveHeader& header, WaveFormats formats = WaveFormats::Player);
 
 } // namespace zarno

@@ -10,7 +10,7 @@ namespace zarno {
 /// Reads a PCM wave file on disk. Says 44100 Hz and 2 channels until it was opened.
 class ZWaveFile final : public ZSoundFile {
   public:
-    explicit ZWaveFile(WaveFormats formats = WaveFormats::Integer)
+    explicit ZWaveFile(WaveFormats formats = WaveFormats::Player)
         : formats_(formats) {}
     ~ZWaveFile() override { close(); }
     ZWaveFile(const ZWaveFile&) = delete;

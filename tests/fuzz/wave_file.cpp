@@ -49,7 +49,7 @@ void makeZone(const std::string& path, bool streaming) {
 void run(std::string_view input) {
     static const ScratchFolder folder("wave_file");
     const std::string path = folder.write("a.wav", input);
-    for (const WaveFormats formats : {WaveFormats::Integer, WaveFormats::IntegerAndFloat}) {
+    for (const WaveFormats formats : {WaveFormats::Player, WaveFormats::Tools}) {
         ZWaveFile wave(formats);
         if (wave.open(path)) readFrames(wave);
     }

@@ -90,6 +90,21 @@ TEST(Notices, NameTheReasonAndOneThingToDo) {
     EXPECT_EQ(noticeFor(facts).text, "Convert it.");
 }
 
+TEST_F(Window, ALoadNamesItsInstrumentAndCanBeCancelled) {
+    open();
+    link.loading = true;
+    link.index = 2;
+    window->loadingStarted();
+    juce::StringArray texts;
+    for (auto* child : window->overlay().getChildren()) {
+        if (auto* label = dynamic_cast<juce::Label*>(child)) texts.add(label->getText());
+        if (auto* button = dynamic_cast<juce::TextButton*>(child)) button->onClick();
+    }
+    EXPECT_TRUE(texts.contains("Harp"));
+    EXPECT_TRUE(texts.contains("Please wait..."));
+    EXPECT_TRUE(link.isCancelled);
+}
+
 TEST_F(Window, AnEmptyLibrarySaysWhereItIs) {
     link.titles.clear();
     link.index = -1;
@@ -247,6 +262,26 @@ TEST_F(Window, AboutListsTheKeyswitches) {
     EXPECT_THAT(window->about().info().keyswitches,
                 ElementsAre(std::pair<juce::String, juce::String>("C1", "Sustained"),
                             std::pair<juce::String, juce::String>("C#1", "Muted")));
+}
+
+class WindowOnScreenNames : public Window {};
+
+TEST_F(WindowOnScreenNames, ReachAssistiveProgramsWithTheirValues) {
+    load({});
+    open();
+    window->addToDesktop(0);
+    std::vector<juce::Component*> parts = {&window->statusBar()};
+    for (auto* child : window->statusBar().getChildren())
+        if (child->isVisible() && child->getWantsKeyboardFocus()) parts.push_back(child);
+    for (const auto& control : controls().all)
+        if (control->getWantsKeyboardFocus()) parts.push_back(control.get());
+    for (auto* part : parts) {
+        ASSERT_NE(part->getAccessibilityHandler(), nullptr);
+        EXPECT_TRUE(part->getAccessibilityHandler()->getTitle().isNotEmpty());
+    }
+    controls().knobs[4]->setValue(1.0, juce::sendNotificationSync);
+    EXPECT_EQ(controls().knobs[4]->getAccessibilityHandler()->getValueInterface()->getCurrentValueAsString(),
+              "6.00 dB");
 }
 
 TEST(LevelMeter, ShowsDecibelsAndKeepsTheClipMark) {

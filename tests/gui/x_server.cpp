@@ -82,6 +82,20 @@ TEST_F(WindowOnScreenOfX, AllOfItselfAfterEachOfAHundredEnlargementsUnderLoad) {
     EXPECT_EQ(session.unpainted(), 0);
 }
 
+TEST_F(WindowOnScreenOfX, ItIsAsLargeAsTheDesktopWantsAndTheDisplayHasRoomFor) {
+    load({});
+    setenv("GDK_SCALE", "2", 1);
+    open();
+    window->addToDesktop(0);
+    EXPECT_EQ(window->getWidth(), 2 * 593);
+    window->setZoom(300);
+    EXPECT_GT(window->getHeight(), 2 * (242 + StatusBar::height));
+    EXPECT_LE(window->getHeight(), juce::Desktop::getInstance().getDisplays().getPrimaryDisplay()->userArea.getHeight());
+    unsetenv("GDK_SCALE");
+    window->setZoom(100);
+    EXPECT_EQ(window->getWidth(), 593);
+}
+
 // Opens a menu, has the host hide its window, and waits until the menu has gone.
 class HidingSession final : private juce::Timer {
   public:

@@ -57,7 +57,14 @@ GroupRecord randomGroup(Chance& chance, bool sustained) {
     GroupRecord record;
     if (!sustained && chance.oneIn(3)) randomiseEnvelope(record, chance);
     record.selectionMode = chance.of({0, 0, 1, 2, 3, 4});
-    if (sustained) return record;
+    if (!sustained) randomiseTrigger(record, chance);
+    return record;
+}
+
+} // namespace
+
+void randomiseTrigger(GroupRecord& record, Chance& chance) {
+    record.selectionMode = chance.of({0, 0, 1, 2, 3, 4});
     record.trigger = chance.of({0, 0, 0, 1, 2, 3, 4, 5, 6});
     record.channel = chance.below(3);
     record.keyswitchNote = chance.between(36, 40);
@@ -70,10 +77,7 @@ GroupRecord randomGroup(Chance& chance, bool sustained) {
     record.releaseTrigger = chance.oneIn(5);
     record.releaseDecayTime = chance.of({0.0f, 50.0f, 1000.0f});
     record.excluded = chance.oneIn(20);
-    return record;
 }
-
-} // namespace
 
 void randomiseEnvelope(GroupRecord& record, Chance& chance) {
     record.attack = chance.of({0.0f, 5.0f, -10.0f});
@@ -111,7 +115,7 @@ void fillAtRandom(TestInstrument& instrument, Chance& chance, bool sustained) {
     randomiseSettings(instrument.engine.settings(), chance, sustained);
     const bool sixteenBit = chance.oneIn(2);
     instrument.engine.settings().sixteenBit = sixteenBit;
-    const int groups = sustained ? 1 : chance.between(1, 5);
+    const int groups = sustained ? 1 : chance.between(1, chance.oneIn(8) ? 30 : 5);
     for (int g = 0; g < groups; ++g) {
         ZGroup& group = instrument.addGroup(randomGroup(chance, sustained));
         const int zones = chance.between(1, 6);

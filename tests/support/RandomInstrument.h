@@ -11,6 +11,7 @@ namespace zarno {
 // Few groups, no switching and long notes when `sustained`; everything when not.
 void fillAtRandom(TestInstrument& instrument, Chance& chance, bool sustained);
 
+void randomiseTrigger(GroupRecord& record, Chance& chance);
 void randomiseEnvelope(GroupRecord& record, Chance& chance);
 void randomiseSettings(InstrumentSettings& settings, Chance& chance, bool sustained);
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/support/RawBytes.h"
+#include "tests/support/WaveBuilder.h"
 #include "tools/import/SoundFontFile.h"
 
 namespace zarno::test {
@@ -16,7 +17,9 @@ struct SoundFontBuilder {
         int points, loopStart, loopEnd, link, type;
     };
     std::vector<Sample> samples = {{1000, 100, 900, 0, 1}};
-    bool wide = false; // 24 bits
+    bool wide = false;       // 24 bits
+    bool compressed = false; // each sample is a sound file
+    bool unpadded = false;   // a chunk of odd length without its pad byte
 
     static std::string chunk(const std::string& id, const std::string& body) {
         return id + raw(static_cast<std::uint32_t>(body.size())) + body + std::string(body.size() & 1, '\0');
@@ -53,14 +56,19 @@ struct SoundFontBuilder {
         std::string data, headers;
         for (std::size_t i = 0; i < samples.size(); ++i) {
             const Sample& s = samples[i];
-            const auto start = static_cast<std::uint32_t>(data.size() / 2);
+            std::string points;
             for (int k = 0; k < s.points; ++k)
-                data += raw(static_cast<std::int16_t>(1000 * (static_cast<int>(i) + 1) + k % 7));
+                points += raw(static_cast<std::int16_t>(1000 * (static_cast<int>(i) + 1) + k % 7));
+            if (compressed) points = WaveBuilder().format(1, 44100, 16).data(points).bytes();
+            const std::uint32_t unit = compressed ? 1 : 2; // bytes that starts and ends count
+            const auto start = static_cast<std::uint32_t>(data.size()) / unit,
+                       loops = compressed ? 0u : start;
+            data += points;
             headers += name("S" + std::to_string(i)) +
-                       raw(start, start + static_cast<std::uint32_t>(s.points),
-                           start + static_cast<std::uint32_t>(s.loopStart),
-                           start + static_cast<std::uint32_t>(s.loopEnd), std::uint32_t{44100}) +
-                       std::string("\x3c\x05", 2) + word(s.link) + word(s.type);
+                       raw(start, static_cast<std::uint32_t>(data.size()) / unit,
+                           loops + static_cast<std::uint32_t>(s.loopStart),
+                           loops + static_cast<std::uint32_t>(s.loopEnd), std::uint32_t{44100}) +
+                       std::string("\x3c\x05", 2) + word(s.link) + word(s.type | (compressed ? 16 : 0));
         }
         const std::string low = wide ? chunk("sm24", std::string(data.size() / 2, '\x80')) : "";
         const auto header = [](const char* text, int bag) {
@@ -71,8 +79,11 @@ struct SoundFontBuilder {
             chunk("phdr", header("Bell", 0) + header("EOP", presetZones)) + lists(preset, 'p', false) +
             chunk("inst", name("Bell") + word(0) + name("EOI") + word(zones)) + lists(instrument, 'i', true) +
             chunk("shdr", headers + std::string(46, '\0'));
-        return chunk("RIFF", "sfbk" + chunk("LIST", "INFO" + chunk("INAM", "Test")) +
-                                 chunk("LIST", "sdta" + chunk("smpl", data) + low) + chunk("LIST", "pdta" + hydra));
+        return chunk("RIFF",
+                     "sfbk" +
+                         chunk("LIST", "INFO" + (unpadded ? "ICRD" + raw(std::uint32_t{3}) + "now" : "") +
+                                           chunk("INAM", "Test")) +
+                         chunk("LIST", "sdta" + chunk("smpl", data) + low) + chunk("LIST", "pdta" + hydra));
     }
 };
 

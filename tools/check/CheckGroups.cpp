@@ -2,6 +2,7 @@
 #include "tools/check/InstrumentCheck.h"
 
 #include <algorithm>
+#include <array>
 #include <map>
 
 namespace zarno {
@@ -33,6 +34,22 @@ std::string neverTriggered(const GroupRecord& r) {
     return {};
 }
 
+// Zones of one range beside one another, and others in the group: a note on another key moves the round robin
+// past those that are left of this one.
+bool losesTurns(const GroupEntry& group) {
+    if (group.record.selectionMode != static_cast<std::int32_t>(SelectionMode::RoundRobin)) return false;
+    const auto rangeOf = [](const ZoneEntry& zone) {
+        const ZoneRecord& r = zone.record;
+        return std::array{r.lowKey, r.highKey, r.lowVelocity, r.highVelocity};
+    };
+    const auto sameRange = [&](const ZoneEntry& a, const ZoneEntry& b) { return rangeOf(a) == rangeOf(b); };
+    const auto& zones = group.zones;
+    const bool areNeighbours = std::adjacent_find(zones.begin(), zones.end(), sameRange) != zones.end();
+    return areNeighbours && std::any_of(zones.begin(), zones.end(), [&](const ZoneEntry& zone) {
+               return zone.record.lowKey != zones.front().record.lowKey;
+           });
+}
+
 void checkGroup(const InstrumentFile& file, std::size_t index, Findings& findings) {
     const GroupEntry& group = file.groups[index];
     const auto add = [&](Severity severity, const std::string& what) {
@@ -43,6 +60,11 @@ void checkGroup(const InstrumentFile& file, std::size_t index, Findings& finding
     if (const std::string why = neverTriggered(group.record); !why.empty())
         add(Severity::Error, why + ": the group never sounds");
     if (group.record.excluded != 0) add(Severity::Warning, "it is excluded: it does not sound as it stands");
+    if (losesTurns(group))
+        add(Severity::Warning,
+            "its round robin counts for all keys together, and its zones are ordered by key, so "
+            "playing several keys skips takes: give each key its own group, or order the zones "
+            "by take");
     if (group.record.volume <= -30.0f) add(Severity::Warning, "a volume of -30 dB or below is silence");
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "engine/Fields.h"
 #include "tools/check/InstrumentCheck.h"
-#include "tools/zarno/RecordFields.h"
 #include "tools/zarno/RecordJson.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -16,19 +17,9 @@ T at(const void* record, std::size_t offset) {
     return value;
 }
 
-struct Bounds {
-    std::string_view field;
-    double low, high;
-};
-// Of fields that are neither a key nor a velocity, which checkZones sees to, nor named values.
-constexpr Bounds bounds[] = {
-    {"streamBufferFramesStored", 1, 4194304},
-    {"polyphonyStored", 1, 1024},
-    {"pan", -1, 1},
-    {"glideTime", 0, 1e9},
-    {"lfoRate", 0, 1e9},
-    {"reverbSend", 0, 1},
-};
+// Of the fields without named values; checkZones and checkGroups see to the others.
+constexpr std::string_view checkedHere[] = {
+    "streamBufferFramesStored", "polyphonyStored", "pan", "glideTime", "lfoRate", "reverbSend"};
 
 template <typename Record>
 void check(const Record& record, const std::string& place, Findings& findings) {
@@ -43,11 +34,10 @@ void check(const Record& record, const std::string& place, Findings& findings) {
                              : field.type == FieldType::Int ? at<std::int32_t>(&record, field.offset)
                                                             : 0.0;
         if (!std::isfinite(value)) add(field, "that is no number");
-        if (!field.texts.empty() && (value < 0 || value >= static_cast<double>(field.texts.size())))
-            add(field, "there is no such choice");
-        for (const Bounds& each : bounds)
-            if (field.name == each.field && (value < each.low || value > each.high))
-                add(field, "it must be from " + Json(each.low).dump() + " to " + Json(each.high).dump());
+        if (!field.choices.empty() && !field.range.holds(value)) add(field, "there is no such choice");
+        const bool isChecked =
+            std::find(std::begin(checkedHere), std::end(checkedHere), field.name) != std::end(checkedHere);
+        if (isChecked && std::isfinite(value) && !field.range.holds(value)) add(field, rangeOf(field));
     }
 }
 

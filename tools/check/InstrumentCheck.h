@@ -23,7 +23,8 @@ void checkGroups(const InstrumentFile& file, Findings& findings);      ///< name
 void checkZones(const InstrumentReport& report, Findings& findings);   ///< ranges, points and loops
 void checkSamples(const InstrumentReport& report, Findings& findings); ///< missing and unreadable files
 
-/// Zones whose loudest note is above full scale.
+/// Zones whose loudest note is above full scale, keys that are silent, sound on one side only, no sound at
+/// all. Reads all samples.
 void checkLevels(const InstrumentReport& report, const std::function<void(double)>& progress,
                  Findings& findings);
 

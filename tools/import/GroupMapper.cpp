@@ -14,8 +14,8 @@ namespace {
 
 using Kind = ImportedAlternation::Kind;
 
-// More ranges of keys than this alternate in one group together.
-constexpr std::size_t mostPools = 48;
+// More ranges of keys than this alternate in one group together: never, as there are no more keys.
+constexpr std::size_t mostPools = 128;
 
 // What a group decides for all of its zones. Ordered as groups are.
 struct Profile {
@@ -129,47 +129,58 @@ std::vector<ImportedZone> zonesOfKind(const std::vector<ImportedZone>& zones, Ki
     return found;
 }
 
-// One group, whatever it takes: layers are kept rather than alternatives.
-void GroupMapper::mapKeyswitched(const Profile& profile, const std::vector<ImportedZone>& zones) {
-    auto alternating = zones;
-    std::erase_if(alternating, [](const ImportedZone& zone) { return zone.alternation.kind == Kind::None; });
-    if (alternating.empty()) return makeGroup(profile, Kind::None, zones);
-
-    auto sets = findAlternationSets(alternating);
-    for (const ImportedZone& zone : zonesOfKind(zones, Kind::None))
-        sets.push_back({zone.keys, zone.velocities, {zone}});
-    const auto pools = poolAlternationSets(std::move(sets), 0);
-    if (pools.size() == 1)
-        return makeGroup(profile, alternating.front().alternation.kind, orderedZones(pools.front()));
-
-    auto layers = zones;
-    std::erase_if(layers, [&](const ImportedZone& zone) {
-        const bool isDropped = zone.alternation.kind != Kind::None && zone.alternation.position > 0;
-        if (isDropped)
-            report_.add("alternation in layers of a keyswitch", "the first alternative always plays",
-                        zone.place);
-        return isDropped;
-    });
-    makeGroup(profile, Kind::None, std::move(layers));
+bool isSteady(const ImportedZone& zone) {
+    return zone.alternation.kind == Kind::None;
 }
 
+// One group, whatever it takes, and a group either alternates or has layers. A few zones that lie on top of
+// alternating ones are left out; where there are many of them, all layers sound, each with its first
+// alternative.
+void GroupMapper::mapKeyswitched(const Profile& profile, const std::vector<ImportedZone>& zones) {
+    if (std::all_of(zones.begin(), zones.end(), isSteady)) return makeGroup(profile, Kind::None, zones);
+    auto sorted = zones; // those that alternate get the first layer
+    std::stable_partition(sorted.begin(), sorted.end(),
+                          [](const ImportedZone& zone) { return !isSteady(zone); });
+    auto layers = alternatingLayers(sorted);
+    const std::size_t above = zones.size() - layers.front().size();
+    constexpr std::size_t few = 10; // one in ten
+    if (above * few <= zones.size()) {
+        for (std::size_t i = 1; i < layers.size(); ++i)
+            for (const ImportedZone& zone : layers[i])
+                report_.add("layer above alternating samples of a keyswitch", "left out", zone.place);
+        const bool isRandom =
+            std::any_of(layers.front().begin(), layers.front().end(),
+                        [](const ImportedZone& zone) { return zone.alternation.kind == Kind::Random; });
+        return isRandom ? makeGroup(profile, Kind::Random, zonesByChance(layers.front()))
+                        : makeGroup(profile, Kind::RoundRobin, orderedZones(layers.front()));
+    }
+    auto first = firstAlternatives(zones);
+    report_.add("alternation in layers of a keyswitch", "the first alternative always plays",
+                zones.front().place,
+                std::max<std::size_t>(1, zones.size() - std::min(zones.size(), first.size())));
+    makeGroup(profile, Kind::None, std::move(first));
+}
+
+// Alternatives of layers that sound together, two microphones say, must be of the same stroke: random ones
+// take turns then.
 void GroupMapper::mapAlternating(const Profile& profile, const std::vector<ImportedZone>& zones) {
     std::map<std::pair<Kind, int>, std::vector<ImportedZone>> kinds; // by kind and count
     for (const ImportedZone& zone : zones)
-        if (zone.alternation.kind != Kind::None)
-            kinds[{zone.alternation.kind, zone.alternation.count}].push_back(zone);
+        if (!isSteady(zone))
+            kinds[{zone.alternation.kind, zone.alternation.kind == Kind::Random ? 0 : zone.alternation.count}]
+                .push_back(zone);
     for (const auto& [kind, alternatives] : kinds) {
-        const auto pools = poolAlternationSets(findAlternationSets(alternatives), mostPools);
-        for (const auto& pool : pools) {
-            std::set<ImportedRange> ranges;
-            for (const AlternationSet& set : pool)
-                ranges.insert(set.keys);
-            if (ranges.size() > 1 && kind.first == Kind::RoundRobin)
-                report_.add("round robin on many keys", "the keys of a group take turns together",
-                            alternatives.front().place, ranges.size());
-            std::string suffix;
-            if (pools.size() > 1 && ranges.size() == 1) suffix = ' ' + keyName(pool.front().keys.low);
-            makeGroup(profile, kind.first, orderedZones(pool), suffix);
+        const bool isRandom = kind.first == Kind::Random;
+        const auto layers = alternatingLayers(alternatives);
+        if (isRandom && layers.size() > 1)
+            report_.note("random samples in layers", "take turns, so that the layers stay together",
+                         alternatives.front().place, alternatives.size());
+        for (const ImportedZones& layer : layers) {
+            const auto parts = partsByKey(layer, mostPools);
+            for (const ImportedZones& part : parts)
+                makeGroup(profile, isRandom && layers.size() > 1 ? Kind::RoundRobin : kind.first,
+                          isRandom ? zonesByChance(part) : orderedZones(part),
+                          parts.size() > 1 ? ' ' + keyName(part.front().keys.low) : "");
         }
     }
 }

@@ -5,6 +5,7 @@
 #include "tools/import/FrameReader.h"
 #include "tools/import/Shaping.h"
 
+#include <array>
 #include <compare>
 #include <cstdint>
 #include <functional>
@@ -27,11 +28,16 @@ struct ImportedRange {
     auto operator<=>(const ImportedRange&) const = default;
 };
 
+struct ShapedPart;
+
 /// A recording that zones play.
 struct ImportedSample {
     std::string name; ///< for people and for the file made of it; need not be unique
     SoundFormat format;
     std::function<std::unique_ptr<FrameReader>()> open; ///< throws MakerError
+    /// Says which recording it is among those of a library; empty: no other instrument has it.
+    std::string identity;
+    std::shared_ptr<const ShapedPart> shape; ///< of a shaped copy of that recording
 };
 
 /// The amplitude envelope in the engine's own terms: times in ms, the sustain level in dB. EnvelopeTimes.h
@@ -42,6 +48,10 @@ struct ImportedEnvelope {
     double sustain = 0.0;
     double release = 5.0;
 };
+
+/// The level of a zone at each velocity, or at each key, in dB. Below `silentGain` it is silence.
+using ImportedGains = std::array<float, 128>;
+inline constexpr float silentGain = -100.0f;
 
 /// When a zone is there to be played.
 struct ImportedCondition {
@@ -59,7 +69,15 @@ struct ImportedAlternation {
     Kind kind = Kind::None;
     int position = 0; ///< 0..count - 1
     int count = 1;
+    /// Of Random: the share of chances at which it is played, 0..1.
+    double low = 0.0, high = 1.0;
 
+    /// Two that never play for the same note.
+    bool excludes(const ImportedAlternation& other) const {
+        if (kind == Kind::None || kind != other.kind) return false;
+        return kind == Kind::Random ? high <= other.low || other.high <= low
+                                    : count == other.count && position != other.position;
+    }
     auto operator<=>(const ImportedAlternation&) const = default;
 };
 
@@ -84,6 +102,8 @@ struct ImportedZone {
     double pan = 0.0; ///< -1..+1
     /// 1: 40 dB for a factor of ten in velocity; 0: full level at any velocity.
     double velocityTracking = 1.0;
+    std::shared_ptr<const ImportedGains> velocityGains; ///< instead, where there are any
+    std::shared_ptr<const ImportedGains> keyGains;      ///< added to the volume; null: none
     ImportedEnvelope envelope;
     ImportedShaping shaping; ///< what the engine has not, done to copies of the sample
 
@@ -95,12 +115,17 @@ struct ImportedZone {
     std::uint64_t loopEnd = 0; ///< exclusive
 };
 
+/// dB by which instruments are turned down whose samples reach full level, so that chords do not clip.
+inline constexpr double chordHeadroom = -10.0;
+
 struct ImportedInstrument {
     std::string name;
     std::string text; ///< a remark of the maker's; may be empty
     std::vector<ImportedSample> samples;
     std::vector<ImportedZone> zones;
     std::optional<int> polyphony;
+    std::optional<double> vibratoRate; ///< Hz of a vibrato on the mod wheel, when there is one
+    double volume = 0.0;               ///< dB of the whole instrument
     std::optional<int> firstKeyswitch; ///< the note whose zones are there before any keyswitch was played
 };
 

@@ -3,9 +3,12 @@
 
 #include "data/Limits.h"
 #include "data/load/InstrumentFormat.h"
+#include "platform/Machine.h"
 #include "tools/import/FileNames.h"
+#include "tools/import/SampleLibrary.h"
 #include "tools/import/SampleWriter.h"
 #include "tools/import/ShapeZones.h"
+#include "tools/import/VelocitySlices.h"
 #include "tools/import/ZoneRecords.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/InstrumentWriter.h"
@@ -18,8 +21,13 @@
 namespace zarno {
 namespace {
 
-constexpr std::uint64_t mostBytesInMemory = 64u << 20; // more samples are streamed
-constexpr std::uint64_t chunkFrames = 32768;           // of streaming instruments
+// What samples may take in the player's memory before they are streamed.
+constexpr std::uint64_t leastMemory = 64u << 20, mostMemory = 512u << 20;
+constexpr std::uint64_t shareOfMemory = 16; // one in sixteen bytes of this machine's, between these two
+// A streamed note has a seam at each chunk: as long ones as these bytes allow.
+constexpr std::uint64_t shortestChunk = 32768, longestChunk = 262144;
+constexpr std::uint64_t mostBufferBytes = 128u << 20; // of all voices
+constexpr std::uint64_t mostPreloadBytes = 256u << 20;
 constexpr int usualPolyphony = 64;
 
 class Import {
@@ -35,16 +43,24 @@ class Import {
   private:
     void mapZones();
     void chooseStorage();
+    std::uint64_t chooseChunk();
+    bool allows(std::uint64_t chunk);
+    std::uint64_t bytesInMemory(std::uint64_t chunk, std::uint64_t framesOfEach);
+    bool hasWideSamples() const;
     SampleForms formsFor(std::uint64_t chunk, ImportReport& report);
     void chooseWidths();
     SampleWidth widthOf(const SampleForm& form) const;
     void fillHeader();
     void fillGroups();
     void nameForms();
+    std::filesystem::path sampleFolder() const;
     void addBlocks();
     void writeWaves();
     void fillReport();
     void advance(std::uint64_t frames);
+    int polyphony() const {
+        return std::clamp(source_.polyphony.value_or(usualPolyphony), 1, limits::voices);
+    }
     const ImportedSample& sampleOf(const SampleForm& form) const { return samples_[form.sample]; }
 
     const ImportedInstrument& source_;
@@ -53,8 +69,10 @@ class Import {
     ImportReport& report_;
     std::vector<MappedGroup> groups_;
     bool streaming_ = false, sixteenBit_ = true;
+    std::uint64_t chunkFrames_ = 0; // 0: in memory
     std::vector<SampleForm> forms_;
     std::vector<std::string> names_; // of forms, as zones say them
+    std::vector<bool> isWritten_;    // by this import, not by another one of the library
     Model model_;
     std::uint64_t framesToWrite_ = 0, framesWritten_ = 0;
 };
@@ -71,10 +89,13 @@ void Import::mapZones() {
             zones.push_back(zone);
     }
     if (zones.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
-    groups_ =
-        mapGroups(options_.plain ? withoutShaping(zones, report_) : shapeZones(zones, samples_, report_),
-                  source_.firstKeyswitch, report_);
+    groups_ = mapGroups(options_.plain ? withoutShaping(zones, report_)
+                                       : shapeZones(zones, samples_, report_, options_.mostShapedBytes),
+                        source_.firstKeyswitch, report_);
     assignChokeIds(groups_, report_);
+    model_.file.settings.velocityFloor = velocityFloorOf(groups_, report_);
+    sliceVelocities(groups_, model_.file.settings, report_);
+    if (groups_.empty()) throw MakerError(report_.source, "there is nothing in it that could be played");
 }
 
 SampleForms Import::formsFor(std::uint64_t chunk, ImportReport& report) {
@@ -85,26 +106,62 @@ SampleForms Import::formsFor(std::uint64_t chunk, ImportReport& report) {
     return forms;
 }
 
+bool isWide(const SoundFormat& format) {
+    return format.bits > 16 || format.floatingPoint;
+}
+
+bool Import::hasWideSamples() const {
+    for (const MappedGroup& group : groups_)
+        for (const ImportedZone& zone : group.zones)
+            if (isWide(samples_[zone.sample].format)) return true;
+    return false;
+}
+
+// Of all forms, no more than so many frames of each.
+std::uint64_t Import::bytesInMemory(std::uint64_t chunk, std::uint64_t framesOfEach) {
+    ImportReport notYet; // said once, for the choice that is made
+    const std::uint64_t bytesPerValue = hasWideSamples() ? 4 : 2;
+    std::uint64_t bytes = 0;
+    const SampleForms forms = formsFor(chunk, notYet);
+    for (const SampleForm& form : forms.forms())
+        bytes += std::min(form.writtenFrames(), framesOfEach) * bytesPerValue *
+                 static_cast<std::uint64_t>(writtenChannels(sampleOf(form).format));
+    return bytes;
+}
+
 void Import::chooseStorage() {
     streaming_ = options_.storage == SampleStorage::Stream;
-    if (options_.storage == SampleStorage::Auto) {
-        ImportReport notYet; // said once, for the choice that is made
-        std::uint64_t bytes = 0;
-        const SampleForms forms = formsFor(0, notYet);
-        for (const SampleForm& form : forms.forms())
-            bytes += writtenBytes(sampleOf(form).format, form, SampleWidth::Int16);
-        streaming_ = bytes > mostBytesInMemory;
-    }
+    if (options_.storage == SampleStorage::Auto)
+        streaming_ = bytesInMemory(0, UINT64_MAX) >
+                     std::clamp(physicalMemory() / shareOfMemory, leastMemory, mostMemory);
+    if (streaming_) chunkFrames_ = chooseChunk();
+}
+
+// Short loops are unrolled to the length of a chunk: that may not make the samples much larger.
+bool Import::allows(std::uint64_t chunk) {
+    constexpr std::uint64_t sides = 2, buffers = 2;
+    const std::uint64_t bytesPerValue = hasWideSamples() ? 4 : 2;
+    if (static_cast<std::uint64_t>(polyphony()) * buffers * chunk * sides * bytesPerValue > mostBufferBytes)
+        return false;
+    return bytesInMemory(chunk, chunk) <= mostPreloadBytes &&
+           bytesInMemory(chunk, UINT64_MAX) <= bytesInMemory(shortestChunk, UINT64_MAX) / 4 * 5;
+}
+
+std::uint64_t Import::chooseChunk() {
+    std::uint64_t chunk = longestChunk;
+    while (chunk > shortestChunk && !allows(chunk))
+        chunk /= 2;
+    return chunk;
 }
 
 void Import::chooseWidths() {
     for (const SampleForm& form : forms_) {
         const ImportedSample& sample = sampleOf(form);
-        const bool isWide = sample.format.bits > 24 || sample.format.floatingPoint;
-        if (isWide || sample.format.bits > 16) sixteenBit_ = false;
+        const bool isTooWide = sample.format.bits > 24 || sample.format.floatingPoint;
+        if (isWide(sample.format)) sixteenBit_ = false;
         if (sample.format.channels > 2)
             report_.add("more than two channels", "the first two are kept", sample.name);
-        if (isWide && !options_.embed)
+        if (isTooWide && !options_.embed)
             report_.add("samples of 32 bits", "24 bits, clipped at full scale (--embed keeps floats)",
                         sample.name);
     }
@@ -113,7 +170,7 @@ void Import::chooseWidths() {
 SampleWidth Import::widthOf(const SampleForm& form) const {
     if (options_.embed) return sixteenBit_ ? SampleWidth::Int16 : SampleWidth::Float32;
     const SoundFormat& format = sampleOf(form).format;
-    return format.bits > 16 || format.floatingPoint ? SampleWidth::Int24 : SampleWidth::Int16;
+    return isWide(format) ? SampleWidth::Int24 : SampleWidth::Int16;
 }
 
 void Import::fillHeader() {
@@ -128,18 +185,24 @@ void Import::fillHeader() {
     file.remark = text(source_.text);
     InstrumentSettings& settings = file.settings;
     settings.streaming = settings.streamingStored = streaming_ ? 1 : 0;
-    settings.streamBufferFrames = settings.streamBufferFramesStored = static_cast<std::int32_t>(chunkFrames);
+    settings.streamBufferFrames = settings.streamBufferFramesStored =
+        static_cast<std::int32_t>(streaming_ ? chunkFrames_ : shortestChunk);
     settings.sixteenBit = settings.sixteenBitStored = sixteenBit_ ? 1 : 0;
-    settings.polyphony = settings.polyphonyStored =
-        std::clamp(source_.polyphony.value_or(usualPolyphony), 1, limits::voices);
+    settings.polyphony = settings.polyphonyStored = polyphony();
     settings.quality =
         static_cast<std::int32_t>(Quality::Mid); // High is 3 dB down at a fifth of a sample's rate
-    settings.velocityFloor = velocityFloorOf(groups_, report_);
+    settings.volume = static_cast<float>(source_.volume);
+    const double vibrato = source_.vibratoRate.value_or(0.0);
+    settings.lfoDestination =
+        static_cast<std::int32_t>(vibrato > 0.0 ? LfoDestination::Pitch : LfoDestination::None);
+    settings.lfoDepthSource =
+        static_cast<std::int32_t>(vibrato > 0.0 ? LfoDepthSource::ModWheel : LfoDepthSource::None);
+    if (vibrato > 0.0) settings.lfoRate = static_cast<float>(std::clamp(vibrato, 0.1, 20.0));
 }
 
 // Chooses the samples' forms on the way: each zone has its say before any point is set.
 void Import::fillGroups() {
-    SampleForms forms = formsFor(streaming_ ? chunkFrames : 0, report_);
+    SampleForms forms = formsFor(chunkFrames_, report_);
     forms.moveSeams();
     forms_ = forms.forms();
     chooseWidths();
@@ -160,24 +223,35 @@ void Import::fillGroups() {
     model_.file.groupCount = static_cast<std::int32_t>(model_.file.groups.size());
 }
 
-std::filesystem::path sampleFolder(const std::string& out) {
-    return filePath(out).replace_extension(".samples");
+std::filesystem::path Import::sampleFolder() const {
+    const std::filesystem::path out = filePath(options_.out);
+    if (options_.library) return out.parent_path() / filePath(options_.library->folder());
+    return std::filesystem::path(out).replace_extension(".samples");
 }
 
 // Zones name a sample as it stands in the file, or as a wave in the folder beside it.
 void Import::nameForms() {
     FileNames files;
-    const std::string folder = options_.embed ? "" : utf8Text(sampleFolder(options_.out).filename()) + '\\';
+    const std::string folder = options_.embed ? "" : utf8Text(sampleFolder().filename()) + '\\';
     for (const SampleForm& form : forms_) {
-        names_.push_back(folder + files.make(sampleOf(form).name) + ".wav");
+        SampleLibrary::Wave wave{{}, true};
+        if (options_.library && !options_.embed)
+            wave = options_.library->wave(sampleOf(form), form, static_cast<int>(widthOf(form)));
+        else
+            wave.name = files.make(sampleOf(form).name);
+        names_.push_back(folder + wave.name + ".wav");
+        isWritten_.push_back(wave.isNew);
+        if (!wave.isNew) continue;
         framesToWrite_ += form.writtenFrames();
         report_.sampleBytes += writtenBytes(sampleOf(form).format, form, widthOf(form));
+        if (sampleOf(form).shape)
+            report_.shapedBytes += writtenBytes(sampleOf(form).format, form, SampleWidth::Int16);
     }
 }
 
 void Import::advance(std::uint64_t frames) {
     framesWritten_ += frames;
-    if (options_.progress)
+    if (options_.progress && framesToWrite_ > 0)
         options_.progress(static_cast<double>(framesWritten_) / static_cast<double>(framesToWrite_));
 }
 
@@ -200,11 +274,12 @@ void Import::addBlocks() {
 }
 
 void Import::writeWaves() {
-    const std::filesystem::path folder = sampleFolder(options_.out);
+    const std::filesystem::path folder = sampleFolder();
     std::error_code failed;
     std::filesystem::create_directories(folder, failed);
     if (failed) throw MakerError(utf8Text(folder), "the folder cannot be made");
     for (std::size_t i = 0; i < forms_.size(); ++i) {
+        if (!isWritten_[i]) continue;
         const std::string file = names_[i].substr(names_[i].rfind('\\') + 1);
         writeWave(sampleOf(forms_[i]), forms_[i], widthOf(forms_[i]), utf8Text(folder / filePath(file)),
                   [this](std::uint64_t n) { advance(n); });
@@ -233,6 +308,7 @@ void Import::run() {
     chooseStorage();
     fillGroups();
     fillHeader();
+    if (options_.announce) options_.announce(report_.sampleBytes);
     if (options_.embed)
         addBlocks();
     else
@@ -240,6 +316,7 @@ void Import::run() {
     if (options_.finish) options_.finish(model_);
     writeInstrumentFile(model_, options_.out);
     fillReport();
+    if (options_.check) options_.check(options_.out, report_);
 }
 
 } // namespace

@@ -12,7 +12,12 @@ namespace {
 // recording's own.
 bool followsKeysAsTheEngine(const ImportedZone& zone) {
     const bool pitch = zone.keyTracking == 100.0 || (zone.keyTracking == 0.0 && zone.tune == 0.0);
-    return pitch && zone.keyVolume == 0.0;
+    return pitch && zone.keyVolume == 0.0 && !zone.keyGains;
+}
+
+// Keys of a zone that does not follow them as the engine's do; those at which it is silent have none.
+bool isHeardAt(const ImportedZone& zone, int key) {
+    return !zone.keyGains || (*zone.keyGains)[static_cast<std::size_t>(key)] > silentGain;
 }
 
 ImportedZone atKey(const ImportedZone& zone, int key) {
@@ -23,6 +28,8 @@ ImportedZone atKey(const ImportedZone& zone, int key) {
     one.keyTracking = 100.0;
     one.volume += (key - zone.keyVolumeCentre) * zone.keyVolume;
     one.keyVolume = 0.0;
+    if (zone.keyGains) one.volume += (*zone.keyGains)[static_cast<std::size_t>(key)];
+    one.keyGains = nullptr;
     return one;
 }
 
@@ -38,7 +45,7 @@ std::vector<ImportedZone> splitByKey(const std::vector<ImportedZone>& zones) {
             throw MakerError(zone.place, "there are too many zones");
         if (stays) split.push_back(zone);
         for (int key = low; !stays && key <= high; ++key)
-            split.push_back(atKey(zone, key));
+            if (isHeardAt(zone, key)) split.push_back(atKey(zone, key));
     }
     return split;
 }

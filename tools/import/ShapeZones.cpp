@@ -41,12 +41,6 @@ class ZoneShaper {
     std::map<std::pair<std::size_t, ShapedPart>, std::size_t> parts_; // to the index of the new sample
 };
 
-// A filter that lets everything pass that the recording holds.
-bool isOpen(const ImportedShaping& shaping, double rate) {
-    constexpr double highest = 19000.0; // Hz
-    return shaping.lowestCutoff() >= std::min(highest, 0.5 * rate);
-}
-
 // Whole semitones: layers that are detuned by less share a copy.
 ShapedPart ZoneShaper::partOf(const ImportedZone& zone) const {
     const SoundFormat& format = samples_[zone.sample].format;
@@ -54,9 +48,13 @@ ShapedPart ZoneShaper::partOf(const ImportedZone& zone) const {
     const double semitones = zone.keyTracking == 0.0 ? 0.0 : middle - zone.rootKey + zone.tune / 100.0;
     constexpr double most = 96.0; // beyond there is nothing to be heard
     ShapedPart part;
-    part.shaping = zone.shaping;
     part.rate = format.sampleRate * std::exp2(std::round(std::clamp(semitones, -most, most)) / 12.0);
-    if (isOpen(part.shaping, part.rate)) part.shaping.cutoff = part.shaping.resonance = 0.0;
+    part.shaping = zone.shaping.atKey(middle).audibleAt(part.rate);
+    if (format.channels < 2) part.shaping.width = 1.0;
+    if (zone.loop != LoopMode::Loop) part.shaping.loopFade = 0;
+    constexpr std::uint64_t mostReversed = 8u << 20; // frames: they are held in memory
+    if (zone.loop == LoopMode::Loop || std::min(zone.end, format.frames) > zone.start + mostReversed)
+        part.shaping.isReversed = false;
     part.start = zone.start;
     part.end = part.loopStart = std::min(zone.end, format.frames);
     if (zone.loop == LoopMode::Loop && zone.loopStart < std::min(zone.loopEnd, format.frames)) {
@@ -122,25 +120,27 @@ void ZoneShaper::addSamples(std::vector<ImportedSample>& samples) const {
 std::uint64_t mostBytesFrom(const std::vector<ImportedSample>& samples) {
     std::uint64_t bytes = leastShapedBytes;
     for (const ImportedSample& sample : samples)
-        bytes += shapedBytesPerByte * 2 * std::min(sample.format.frames, mostShapedBytes / shapedBytesPerByte);
+        bytes +=
+            shapedBytesPerByte * 2 * std::min(sample.format.frames, mostShapedBytes / shapedBytesPerByte);
     return std::min(bytes, mostShapedBytes);
 }
 
 } // namespace
 
 std::vector<ImportedZone> shapeZones(const std::vector<ImportedZone>& zones,
-                                     std::vector<ImportedSample>& samples, ImportReport& report) {
-    const std::uint64_t mostBytes = mostBytesFrom(samples);
+                                     std::vector<ImportedSample>& samples, ImportReport& report,
+                                     std::uint64_t mostBytes) {
+    mostBytes = std::min(mostBytes, mostBytesFrom(samples));
     for (const Effort& effort : efforts) {
         ZoneShaper shaper(samples, effort);
         for (const ImportedZone& zone : zones)
             shaper.add(zone);
         if (shaper.bytes() > mostBytes || shaper.zones.size() > limits::importedZones) continue;
         if (shaper.copies() > 0)
-            report.add("filters and contours",
-                       "done to copies of the samples, each for " + std::to_string(effort.keys) +
-                           " keys at most",
-                       report.source, shaper.copies());
+            report.note("filters and contours",
+                        "done to copies of the samples, each for " + std::to_string(effort.keys) +
+                            " keys at most",
+                        report.source, shaper.copies());
         shaper.addSamples(samples);
         return std::move(shaper.zones);
     }
@@ -152,6 +152,10 @@ std::vector<ImportedZone> withoutShaping(std::vector<ImportedZone> zones, Import
     for (ImportedZone& zone : zones) {
         const ImportedShaping& shaping = zone.shaping;
         if (shaping.cutoff > 0.0) report.add("low-pass filter", "left out", zone.place);
+        if (shaping.bands[0].exists()) report.add("filter or equaliser", "left out", zone.place);
+        if (shaping.width != 1.0) report.add("width", "the recording's own", zone.place);
+        if (shaping.isReversed) report.add("direction=reverse", "played forwards", zone.place);
+        if (shaping.loopFade > 0) report.add("loop_crossfade", "loops without it", zone.place);
         if (shaping.contourToPitch != 0.0) report.add("pitch envelope", "left out", zone.place);
         if (shaping.swings[0].exists() || shaping.swings[1].exists())
             report.add("vibrato or tremolo", "left out", zone.place);

@@ -2,6 +2,7 @@
 #include "tools/import/ShapedFrames.h"
 
 #include "engine/Interpolation.h"
+#include "tools/import/Biquad.h"
 #include "tools/import/LowPass.h"
 #include "tools/zarno/MakerError.h"
 
@@ -16,7 +17,8 @@ namespace {
 constexpr std::size_t mostChannels = 2;
 using Frame = std::array<float, mostChannels>;
 
-// The frames of a part one after the other, the loop again and again; silence behind the end.
+// The frames of a part one after the other, the loop again and again; silence behind the end. A reversed part
+// is read whole before it begins.
 class PartFrames {
   public:
     PartFrames(const ImportedSample& source, const ShapedPart& part)
@@ -26,17 +28,21 @@ class PartFrames {
         , part_(part) {
         while (frame_ < part_.start && refill(part_.start - frame_))
             frame_ += buffered_, next_ = buffered_;
+        if (part_.shaping.isReversed && !part_.loops()) {
+            while (frame_ < part_.end)
+                reversed_.push_back(read());
+        }
     }
 
     Frame next() {
         Frame frame{};
-        if (frame_ < part_.end) {
-            if (next_ >= buffered_ && !refill(part_.end - frame_))
-                throw MakerError(name_, "the sample ends before the length it states");
-            for (std::size_t c = 0; c < std::min(sourceChannels_, mostChannels); ++c)
-                frame[c] = buffer_[next_ * sourceChannels_ + c];
-            ++next_;
-            if (frame_++ >= part_.loopStart) loop_.push_back(frame);
+        if (!reversed_.empty()) {
+            frame = reversed_.back();
+            reversed_.pop_back();
+        } else if (frame_ < part_.end) {
+            const std::uint64_t at = frame_;
+            frame = faded(read(), at);
+            if (at >= part_.loopStart) loop_.push_back(frame);
         } else if (!loop_.empty()) {
             frame = loop_[inLoop_];
             inLoop_ = (inLoop_ + 1) % loop_.size();
@@ -45,6 +51,29 @@ class PartFrames {
     }
 
   private:
+    Frame read() {
+        Frame frame{};
+        if (next_ >= buffered_ && !refill(part_.end - frame_))
+            throw MakerError(name_, "the sample ends before the length it states");
+        for (std::size_t c = 0; c < std::min(sourceChannels_, mostChannels); ++c)
+            frame[c] = buffer_[next_ * sourceChannels_ + c];
+        ++next_;
+        ++frame_;
+        return frame;
+    }
+    // The end of a loop becomes what comes before its start.
+    Frame faded(Frame frame, std::uint64_t at) {
+        const std::uint64_t fade = part_.shaping.loopFade;
+        if (fade == 0 || !part_.loops()) return frame;
+        if (at < part_.loopStart && at + fade >= part_.loopStart) before_.push_back(frame);
+        if (at + fade < part_.end) return frame;
+        const std::uint64_t along = at + fade - part_.end;
+        if (along >= before_.size()) return frame;
+        const float share = static_cast<float>(along + 1) / static_cast<float>(fade + 1);
+        for (std::size_t c = 0; c < mostChannels; ++c)
+            frame[c] = std::lerp(frame[c], before_[static_cast<std::size_t>(along)][c], share);
+        return frame;
+    }
     bool refill(std::uint64_t most) {
         constexpr std::uint64_t piece = 4096;
         buffer_.resize(piece * sourceChannels_);
@@ -60,7 +89,7 @@ class PartFrames {
     std::vector<float> buffer_;
     std::size_t buffered_ = 0, next_ = 0;
     std::uint64_t frame_ = 0; // of the recording, read so far
-    std::vector<Frame> loop_;
+    std::vector<Frame> loop_, before_, reversed_;
     std::size_t inLoop_ = 0;
 };
 
@@ -100,7 +129,12 @@ class ShapedFrames final : public FrameReader {
         , q_(shaping_.q())
         , frames_(frames)
         , silence_(static_cast<std::uint64_t>(shaping_.level.silence * rate_ / 1000.0))
-        , channels_(std::min(mostChannels, static_cast<std::size_t>(std::max(source.format.channels, 1)))) {}
+        , channels_(std::min(mostChannels, static_cast<std::size_t>(std::max(source.format.channels, 1)))) {
+        for (const ImportedBand& band : shaping_.bands)
+            if (band.exists())
+                for (std::size_t c = 0; c < mostChannels; ++c)
+                    bands_[c].emplace_back(band, rate_);
+    }
 
     std::uint64_t read(float* destination, std::uint64_t frames) override {
         frames = std::min(frames, frames_ - frame_);
@@ -133,11 +167,18 @@ class ShapedFrames final : public FrameReader {
 
     void readFrame(float* destination) {
         move();
-        const Frame frame = frame_ < silence_ ? Frame{} : source_.read(speed_);
+        Frame frame = frame_ < silence_ ? Frame{} : source_.read(speed_);
         ++frame_;
-        for (std::size_t c = 0; c < channels_; ++c)
-            destination[c] =
-                static_cast<float>(gain_ * (shaping_.cutoff > 0.0 ? filters_[c](frame[c]) : frame[c]));
+        if (channels_ == 2 && shaping_.width != 1.0) {
+            const auto keep = static_cast<float>(0.5 + 0.5 * shaping_.width);
+            frame = {std::lerp(frame[1], frame[0], keep), std::lerp(frame[0], frame[1], keep)};
+        }
+        for (std::size_t c = 0; c < channels_; ++c) {
+            double value = shaping_.cutoff > 0.0 ? filters_[c](frame[c]) : frame[c];
+            for (Biquad& band : bands_[c])
+                value = band(value);
+            destination[c] = static_cast<float>(gain_ * value);
+        }
     }
 
     BentFrames source_;
@@ -146,6 +187,7 @@ class ShapedFrames final : public FrameReader {
     const std::uint64_t frames_, silence_;
     const std::size_t channels_;
     std::array<LowPass, mostChannels> filters_;
+    std::array<std::vector<Biquad>, mostChannels> bands_;
     double gain_ = 1.0, speed_ = 1.0;
     std::uint64_t frame_ = 0;
     std::vector<float> floats_;
@@ -153,7 +195,11 @@ class ShapedFrames final : public FrameReader {
 
 // Until the filter's own ringing has fallen by 90 dB.
 double settling(const ImportedShaping& shaping) {
-    if (shaping.cutoff <= 0.0) return 0.0;
+    double low = 1e9, sharp = 0.5; // of bands
+    for (const ImportedBand& band : shaping.bands)
+        if (band.exists()) low = std::min(low, band.frequency), sharp = std::max(sharp, band.q);
+    if (shaping.cutoff <= 0.0)
+        return std::min(1000.0, 1000.0 * 10.4 * 2.0 * sharp / (2.0 * std::numbers::pi * std::max(low, 1.0)));
     constexpr double nepers = 10.4;
     const double damping = 0.5 / shaping.q(); // above 1 there are two real poles, of which one is slower
     const double slowest = damping <= 1.0 ? damping : damping - std::sqrt(damping * damping - 1.0);
@@ -207,6 +253,7 @@ ImportedSample shapedSample(const ImportedSample& source, const ShapedPart& part
     ImportedSample made = source;
     made.format.frames = lengthOf(part).frames;
     made.format.channels = std::clamp(source.format.channels, 1, static_cast<int>(mostChannels));
+    made.shape = std::make_shared<const ShapedPart>(part);
     made.open = [source, part, frames = made.format.frames] {
         return std::make_unique<ShapedFrames>(source, part, frames);
     };

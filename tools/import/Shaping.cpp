@@ -69,6 +69,7 @@ double ImportedLevel::end() const {
 
 double ImportedSwing::at(double time) const {
     if (time < delay) return 0.0;
+    if (isSine) return std::sin(2.0 * std::numbers::pi * (time - delay) * rate / 1000.0);
     const double turns = (time - delay) * rate / 1000.0 + 0.25;
     const double x = 4.0 * (turns - std::floor(turns)); // 0..4 from the lowest point
     return x < 2.0 ? x - 1.0 : 3.0 - x;
@@ -78,7 +79,8 @@ double ImportedSwing::at(double time) const {
 double ImportedSwing::pitchAt(double time) const {
     if (pitch == 0.0 || time < delay) return 1.0;
     const double octaves = pitch / 1200.0 * std::numbers::ln2;
-    return std::exp(octaves * at(time)) * octaves / std::sinh(octaves);
+    const double mean = isSine ? std::cyl_bessel_i(0.0, std::fabs(octaves)) : std::sinh(octaves) / octaves;
+    return std::exp(octaves * at(time)) / mean;
 }
 
 double ImportedShaping::cutoffAt(double time) const {
@@ -109,12 +111,53 @@ double ImportedShaping::levelAt(double time) const {
     return std::pow(10.0, (added - headroom()) / 20.0);
 }
 
+ImportedShaping ImportedShaping::atKey(double key) const {
+    ImportedShaping made = *this;
+    made.cutoff *= std::exp2(cutoffTracking * (key - cutoffCentre) / 1200.0);
+    made.cutoffTracking = 0.0;
+    made.cutoffCentre = 0;
+    for (ImportedBand& band : made.bands) {
+        band.frequency *= std::exp2(band.tracking * (key - band.centre) / 1200.0);
+        band.tracking = 0.0;
+        band.centre = 0;
+    }
+    return made;
+}
+
+// A filter that lets everything pass that the recording holds and an ear hears.
+ImportedShaping ImportedShaping::audibleAt(double rate) const {
+    constexpr double highest = 19000.0, lowest = 20.0; // Hz
+    const double top = std::min(highest, 0.5 * rate);
+    ImportedShaping made = *this;
+    if (lowestCutoff() >= top) made.cutoff = made.resonance = made.contourToCutoff = 0.0;
+    if (made.cutoff == 0.0) made.resonance = 0.0;
+    std::array<ImportedBand, 6> kept;
+    std::size_t count = 0;
+    for (const ImportedBand& band : bands) {
+        using Kind = ImportedBand::Kind;
+        const bool isLow = band.kind == Kind::LowPass || band.kind == Kind::LowPass1;
+        const bool isHigh = band.kind == Kind::HighPass || band.kind == Kind::HighPass1;
+        const bool isOutside = (isLow && band.frequency >= top) || (isHigh && band.frequency <= lowest) ||
+                               (band.kind == Kind::Peak && band.frequency >= 0.5 * rate);
+        if (band.exists() && !(isOutside && band.gain == 0.0)) kept[count++] = band;
+    }
+    made.bands = kept;
+    return made;
+}
+
 double ImportedShaping::q() const {
     return std::pow(10.0, resonance / 20.0) / std::numbers::sqrt2;
 }
 
 double ImportedShaping::headroom() const {
     double room = level.headroom() + (cutoff > 0.0 ? std::max(0.0, decibels(q())) : 0.0);
+    for (const ImportedBand& band : bands) {
+        const bool isFilter = band.kind != ImportedBand::Kind::Peak &&
+                              band.kind != ImportedBand::Kind::LowShelf &&
+                              band.kind != ImportedBand::Kind::HighShelf;
+        if (band.exists())
+            room += std::max(0.0, band.gain) + (isFilter ? std::max(0.0, decibels(band.q)) : 0.0);
+    }
     if (level.falls()) room += std::fabs(swings[0].level) + std::fabs(swings[1].level);
     return room;
 }

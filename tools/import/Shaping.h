@@ -3,6 +3,7 @@
 
 #include <array>
 #include <compare>
+#include <cstdint>
 
 // What sounds in other formats while a note is held and the engine has nothing for: a low-pass filter, pitch
 // and filter that move, levels that hold before they fall. The importer does it to copies of the recording,
@@ -49,13 +50,40 @@ struct ImportedLevel {
     double holdsUntil() const { return silence + attack + hold; }
 };
 
-/// A slow triangle, from 0 up at first.
+/// A filter that stands still, or an equaliser's band.
+struct ImportedBand {
+    enum class Kind {
+        None,
+        LowPass,
+        HighPass,
+        BandPass,
+        Notch,
+        Peak,
+        LowShelf,
+        HighShelf,
+        LowPass1,
+        HighPass1
+    };
+
+    Kind kind = Kind::None;
+    double frequency = 0.0; ///< Hz
+    double q = 0.7;
+    double gain = 0.0;     ///< dB: of peak and shelves in their band, of others over all
+    double tracking = 0.0; ///< cents a key by which the frequency follows
+    int centre = 60;       ///< key of that frequency
+
+    bool exists() const { return kind != Kind::None; }
+    auto operator<=>(const ImportedBand&) const = default;
+};
+
+/// A slow triangle or sine, from 0 up at first.
 struct ImportedSwing {
     double delay = 0.0;
     double rate = 0.0;   ///< Hz
     double pitch = 0.0;  ///< cents, at its peak
     double cutoff = 0.0; ///< cents
     double level = 0.0;  ///< dB
+    bool isSine = false; ///< else a triangle
 
     bool exists() const { return pitch != 0.0 || cutoff != 0.0 || level != 0.0; }
     double at(double time) const;      ///< -1..+1
@@ -74,10 +102,21 @@ struct ImportedShaping {
     double longest = 1e9; ///< from here on contour and level stand still, wherever they are
     std::array<ImportedSwing, 2> swings;
 
+    double cutoffTracking = 0.0; ///< cents a key by which the cutoff follows
+    int cutoffCentre = 60;       ///< key at which it is `cutoff`
+    std::array<ImportedBand, 6> bands;
+    double width = 1.0;         ///< of a recording of two sides: 0 makes them one, -1 exchanges them
+    bool isReversed = false;    ///< played from its end to its start
+    std::uint64_t loopFade = 0; ///< frames before the loop's end that fade into those before its start
+
     bool exists() const {
         return cutoff > 0.0 || contourToPitch != 0.0 || level.exists() || swings[0].exists() ||
-               swings[1].exists();
+               swings[1].exists() || bands[0].exists() || width != 1.0 || isReversed || loopFade > 0;
     }
+    /// As it is at one key: nothing follows keys any more.
+    ImportedShaping atKey(double key) const;
+    /// Without what nobody would hear in a recording of that rate: see the importer's guide.
+    ImportedShaping audibleAt(double rate) const;
     double cutoffAt(double time) const; ///< Hz
     double pitchAt(double time) const;  ///< as a factor on what it is at rest
     double levelAt(double time) const;  ///< as a factor, turned down by headroom()

@@ -4,6 +4,7 @@
 #include "data/Bytes.h"
 #include "platform/File.h"
 #include "platform/Utf8.h"
+#include "tools/import/CompressedSound.h"
 #include "tools/zarno/MakerError.h"
 
 #include <algorithm>
@@ -62,6 +63,8 @@ class SoundFontReader {
     void readName();
     void readData();
     void readSamples();
+    void readCompressed(SoundFontSample& sample, std::uint32_t begin, std::uint32_t end);
+    bool isPadded(std::uint64_t position);
     std::vector<GeneratorSet> zonesOf(const Zones& zones, std::size_t from, std::size_t to, Generator target,
                                       std::size_t targets, const std::string& owner) const;
 
@@ -103,8 +106,23 @@ void SoundFontReader::chunks(ChunkPlace place, const std::string& prefix) {
         } else {
             chunks_.try_emplace(name, body);
         }
-        position += body.size + (size & 1);
+        position += body.size;
+        if ((size & 1) != 0 && isPadded(position)) ++position;
     }
+}
+
+// Some programs leave out the byte after a chunk of odd length: then the next chunk's name is there at once.
+bool SoundFontReader::isPadded(std::uint64_t position) {
+    char next[5] = {};
+    bytes_.seek(position);
+    if (!bytes_.read(next, 5)) return true;
+    const auto isName = [](const char* text) {
+        static constexpr std::string_view names[] = {
+            "LIST", "ifil", "isng", "INAM", "irom", "iver", "ICRD", "IENG", "IPRD", "ICOP", "ICMT", "ISFT",
+            "smpl", "sm24", "phdr", "pbag", "pmod", "pgen", "inst", "ibag", "imod", "igen", "shdr"};
+        return std::find(std::begin(names), std::end(names), std::string_view(text, 4)) != std::end(names);
+    };
+    return isName(next + 1) || !isName(next);
 }
 
 const ChunkPlace* SoundFontReader::find(const std::string& name) const {
@@ -159,8 +177,23 @@ void SoundFontReader::readSamples() {
         sample.correction = at<std::int8_t>(r, 41);
         sample.link = at<std::uint16_t>(r, 42);
         sample.type = at<std::uint16_t>(r, 44);
+        if ((sample.type & SoundFontSample::Compressed) != 0)
+            readCompressed(sample, at<std::uint32_t>(r, 20), at<std::uint32_t>(r, 24));
         out_.samples.push_back(sample);
     }
+}
+
+// "sf3": start and end are bytes of the sample data, and the loop is counted from the sample's start.
+void SoundFontReader::readCompressed(SoundFontSample& sample, std::uint32_t begin, std::uint32_t end) {
+    const ChunkPlace data = *find("sdta/smpl");
+    sample.type &= static_cast<std::uint16_t>(~SoundFontSample::Compressed);
+    sample.start = sample.end = 0;
+    if (begin >= end || end > data.size) return;
+    const CompressedSound sound(path_, data.position + begin, end - begin);
+    if (!sound.isOpen() || sound.channels() != 1) return;
+    sample.end = static_cast<std::uint32_t>(std::min<std::uint64_t>(sound.frames(), UINT32_MAX));
+    sample.bytesPosition = data.position + begin;
+    sample.bytes = end - begin;
 }
 
 // The zones of one preset or instrument. A zone that names what it plays and what is not there is a fault of

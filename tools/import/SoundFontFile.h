@@ -88,7 +88,7 @@ struct GeneratorSet {
 };
 
 struct SoundFontSample {
-    enum Type : std::uint16_t { Mono = 1, Right = 2, Left = 4 };
+    enum Type : std::uint16_t { Mono = 1, Right = 2, Left = 4, Compressed = 16 };
 
     std::string name;
     std::uint32_t start = 0, end = 0; ///< points of the file's sample data; start <= end <= its length
@@ -97,7 +97,11 @@ struct SoundFontSample {
     std::uint8_t rootKey = 60;
     std::int8_t correction = 0; ///< cents
     std::uint16_t link = 0;     ///< index of the other side of a stereo pair
-    std::uint16_t type = Mono;
+    std::uint16_t type = Mono;  ///< without Compressed
+    /// Of a compressed sample: where its bytes lie in the file. `start` is 0 then, and `end` its length.
+    std::uint64_t bytesPosition = 0, bytes = 0;
+
+    bool isCompressed() const { return bytes > 0; }
 };
 
 /// A SoundFont file's structure. Everything in it has been checked: indices point at what is there, and

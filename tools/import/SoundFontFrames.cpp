@@ -2,9 +2,11 @@
 #include "tools/import/SoundFontFrames.h"
 
 #include "platform/File.h"
+#include "tools/import/CompressedSound.h"
 #include "tools/zarno/MakerError.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace zarno {
@@ -69,11 +71,58 @@ class SoundFontFrames final : public FrameReader {
     std::vector<std::uint8_t> low_, oneLow_;
 };
 
+// The same of compressed samples: each side is a sound of its own.
+class CompressedFrames final : public FrameReader {
+  public:
+    CompressedFrames(const SoundFontFile& file, const std::vector<std::size_t>& samples, std::uint64_t frames)
+        : frames_(frames) {
+        for (const std::size_t index : samples) {
+            const SoundFontSample& sample = file.samples[index];
+            sides_.push_back(
+                std::make_unique<CompressedSound>(file.path, sample.bytesPosition, sample.bytes));
+            if (!sides_.back()->isOpen())
+                throw MakerError(file.path, "the sample " + sample.name + " cannot be read");
+        }
+    }
+
+    std::uint64_t read(float* destination, std::uint64_t frames) override {
+        frames = std::min(frames, frames_ - frame_);
+        std::fill(destination, destination + frames * sides_.size(), 0.0f); // where a sound ends too early
+        one_.resize(static_cast<std::size_t>(frames));
+        for (std::size_t side = 0; side < sides_.size(); ++side) {
+            const std::uint64_t got = sides_[side]->read(one_.data(), frames);
+            for (std::size_t i = 0; i < got; ++i)
+                destination[i * sides_.size() + side] = one_[i];
+        }
+        frame_ += frames;
+        return frames;
+    }
+
+    std::uint64_t read(std::int16_t* destination, std::uint64_t frames) override {
+        floats_.resize(static_cast<std::size_t>(std::min(frames, frames_ - frame_)) * sides_.size());
+        frames = read(floats_.data(), frames);
+        std::transform(floats_.begin(), floats_.end(), destination, [](float value) {
+            return static_cast<std::int16_t>(std::lrintf(std::clamp(value * 32768.0f, -32768.0f, 32767.0f)));
+        });
+        return frames;
+    }
+
+  private:
+    std::vector<std::unique_ptr<CompressedSound>> sides_;
+    std::uint64_t frames_, frame_ = 0;
+    std::vector<float> one_, floats_;
+};
+
 } // namespace
 
 std::unique_ptr<FrameReader> openFrames(const SoundFontFile& file, std::size_t left,
                                         std::optional<std::size_t> right) {
     const SoundFontSample& sample = file.samples[left];
+    if (sample.isCompressed()) {
+        std::vector<std::size_t> sides = {left};
+        if (right) sides.push_back(*right);
+        return std::make_unique<CompressedFrames>(file, sides, sample.end);
+    }
     std::vector<std::uint32_t> starts = {sample.start};
     if (right) starts.push_back(file.samples[*right].start);
     return std::make_unique<SoundFontFrames>(file, std::move(starts), sample.end - sample.start);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SoundFontImport.h"
 
+#include "tools/import/EqualPower.h"
 #include "tools/import/SoundFontFrames.h"
 #include "tools/import/SoundFontShaping.h"
 #include "tools/import/SoundFontVoices.h"
@@ -12,7 +13,6 @@
 #include <cstdio>
 #include <deque>
 #include <map>
-#include <numbers>
 
 namespace zarno {
 namespace {
@@ -23,19 +23,11 @@ constexpr double attenuationScale = 0.4;  // of initial attenuation
 constexpr double velocityDecibels = 40.0; // for a factor of ten
 constexpr int fullVelocityAmount = 960;
 constexpr int noKey = -1;
-constexpr int polyphony = 64; // presets are layered, and pairs of samples may be two voices
+constexpr double usualVibratoRate = 8.176; // Hz
+constexpr int polyphony = 64;              // presets are layered, and pairs of samples may be two voices
 
 double attenuationOf(const SoundFontVoice& voice) { // dB
     return attenuationScale / 10.0 * voice[Generator::Attenuation];
-}
-
-// Equal power from side to side, as the louder side's gain and the other one's share of it.
-void setPan(ImportedZone& zone, int pan) {
-    if (pan == 0) return;
-    const double angle = (std::clamp(pan, -500, 500) + 500) / 1000.0 * std::numbers::pi / 2;
-    const double left = std::cos(angle), right = std::sin(angle);
-    zone.pan = right > left ? 1.0 - left / right : right / left - 1.0;
-    zone.volume += 20.0 * std::log10(std::max(left, right) * std::numbers::sqrt2);
 }
 
 // All that must be the same in the voices of a left and a right side.
@@ -61,7 +53,8 @@ bool areSides(std::size_t indexOfOne, const SoundFontSample& one, const SoundFon
         return std::tuple(s.end - s.start, s.loopStart - s.start, s.loopEnd - s.start, s.rate, s.rootKey,
                           s.correction);
     };
-    return other.link == indexOfOne && other.type != one.type && shape(one) == shape(other);
+    return other.link == indexOfOne && other.type != one.type && other.isCompressed() == one.isCompressed() &&
+           shape(one) == shape(other);
 }
 
 class PresetImport {
@@ -134,6 +127,7 @@ std::size_t PresetImport::sampleFor(std::size_t left, std::optional<std::size_t>
     const SoundFontSample& sample = file_->samples[left];
     ImportedSample made;
     made.name = sample.name;
+    made.identity = std::to_string(left) + (right ? '+' + std::to_string(*right) : "");
     made.format.sampleRate = static_cast<int>(sample.rate);
     made.format.channels = right ? 2 : 1;
     made.format.frames = sample.end - sample.start;
@@ -160,8 +154,9 @@ void PresetImport::setPitch(ImportedZone& zone, const SoundFontVoice& voice) {
 
 void PresetImport::setLevel(ImportedZone& zone, const SoundFontVoice& voice, bool isPair) {
     zone.volume = -attenuationOf(voice);
-    zone.volume -= soundFontResonance(voice) / 2.0; // as the format has it, whether the filter is heard or not
-    setPan(zone, voice[Generator::Pan]);
+    zone.volume -=
+        soundFontResonance(voice) / 2.0; // as the format has it, whether the filter is heard or not
+    if (voice[Generator::Pan] != 0) Sides::ofPan(voice[Generator::Pan] / 500.0).applyTo(zone);
     if (isPair) zone.pan = 0.0; // both sides in full
     zone.velocityTracking = static_cast<double>(voice.velocityAmount) / fullVelocityAmount;
     if (const int velocity = voice[Generator::FixedVelocity]; velocity > 0) {
@@ -233,6 +228,8 @@ void PresetImport::addLayers(ImportedZone zone, double attenuation) {
 ImportedInstrument PresetImport::run() {
     out_.name = preset_.name.empty() ? "Preset " + std::to_string(preset_.program) : preset_.name;
     out_.polyphony = polyphony;
+    out_.volume = chordHeadroom;
+    out_.vibratoRate = usualVibratoRate; // on the mod wheel, as the format has it for every preset
     const auto voices = voicesOf(*file_, preset_);
     const auto others = otherSides(voices);
     std::vector<bool> done(voices.size(), false);

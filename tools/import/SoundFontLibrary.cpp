@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/SoundFontLibrary.h"
 
+#include "tools/import/SampleLibrary.h"
 #include "tools/import/SoundFontImport.h"
 #include "tools/import/SoundFontVoices.h"
 #include "tools/zarno/FilePaths.h"
@@ -12,18 +13,18 @@
 namespace zarno {
 namespace {
 
-constexpr float headRoom = -10.0f; // dB
-
-void importOne(const SoundFontFile& file, const SoundFontFile::Preset& preset, ImportOptions options,
+void importOne(const SoundFontFile& file, const SoundFontFile::Preset& preset, const ImportOptions& options,
                ImportReport& report) {
-    options.finish = [panel = options.finish](Model& model) {
-        model.file.settings.volume = headRoom;
-        if (panel) panel(model);
-    };
     importInstrument(importPreset(file, preset, report), options, report);
 }
 
-// Each instrument file stands for itself, so that it can be moved or deleted alone.
+// Of shaped copies of all presets together, in 16 bits.
+std::uint64_t shapedBytesOf(const SoundFontFile& file) {
+    constexpr std::uint64_t least = 64u << 20, most = 1024u << 20, perByte = 4;
+    return std::clamp(std::uint64_t{2} * file.dataPoints * perByte, least, most);
+}
+
+// An embedded instrument stands for itself: it has all that it plays.
 std::uint64_t samplesOfSeveral(const SoundFontFile& file, const std::set<std::size_t>& left) {
     std::vector<int> users(file.samples.size(), 0);
     for (std::size_t i = 0; i < file.presets.size(); ++i) {
@@ -43,7 +44,7 @@ std::uint64_t samplesOfSeveral(const SoundFontFile& file, const std::set<std::si
 void importSoundFont(const SoundFontFile& file, const std::optional<std::string>& preset,
                      ImportOptions options, ImportReport& report) {
     if (file.presets.empty()) throw MakerError(file.path, "there are no presets");
-    importOne(file, preset ? findPreset(file, *preset) : file.presets.front(), std::move(options), report);
+    importOne(file, preset ? findPreset(file, *preset) : file.presets.front(), options, report);
 }
 
 void importAllPresets(const SoundFontFile& file, const ImportOptions& options, ImportReport& report) {
@@ -53,8 +54,15 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
     if (failed) throw MakerError(options.out, "the folder cannot be made");
     ImportReport whole = report;
     std::set<std::size_t> left; // out, of the presets
+    SampleLibrary library("samples");
+    std::uint64_t shapedBytes = shapedBytesOf(file);
+    if (options.announce) options.announce(2ull * file.dataPoints + shapedBytes);
     for (std::size_t i = 0; i < file.presets.size(); ++i) {
         ImportOptions one = options;
+        one.announce = nullptr; // that was said for all
+        if (!options.embed) one.library = &library;
+        one.mostShapedBytes =
+            shapedBytes / (file.presets.size() - i); // what one leaves the next ones may take
         one.out = utf8Text(folder / filePath(fileNameOf(file.presets[i]) + ".zse"));
         if (options.progress)
             one.progress = [&, i](double fraction) {
@@ -69,8 +77,8 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
             left.insert(i);
             continue;
         }
-        for (const auto& remark : own.remarks())
-            whole.add(remark.what, remark.instead, remark.firstPlace, remark.count);
+        whole.addAll(own);
+        shapedBytes -= std::min(shapedBytes, own.shapedBytes);
         whole.groups += own.groups;
         whole.zones += own.zones;
         whole.samples += own.samples;
@@ -78,7 +86,7 @@ void importAllPresets(const SoundFontFile& file, const ImportOptions& options, I
         whole.streaming |= own.streaming;
         whole.embedded = own.embedded;
     }
-    if (const std::uint64_t shared = samplesOfSeveral(file, left); shared > 0)
+    if (const std::uint64_t shared = samplesOfSeveral(file, left); shared > 0 && options.embed)
         whole.add("sample that several presets play", "written once for each of them", file.path, shared);
     whole.target = options.out;
     report = whole;

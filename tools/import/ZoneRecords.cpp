@@ -23,7 +23,7 @@ ZoneRecord recordOf(const ImportedZone& zone) {
     record.highKey = zone.keys.high;
     record.lowVelocity = zone.velocities.low;
     record.highVelocity = zone.velocities.high;
-    record.volume = static_cast<float>(zone.volume);
+    record.volume = static_cast<float>(std::clamp(zone.volume, -144.0, 48.0));
     record.pan = static_cast<float>(std::clamp(zone.pan, -1.0, 1.0));
     record.attack = static_cast<float>(zone.envelope.attack);
     record.decay = static_cast<float>(zone.envelope.decay);
@@ -40,7 +40,7 @@ int velocityFloorOf(const std::vector<MappedGroup>& groups, ImportReport& report
     std::map<int, std::size_t> votes;
     for (const MappedGroup& group : groups)
         for (const ImportedZone& zone : group.zones)
-            if (floorOf(zone) < 0) ++votes[floorOf(zone)];
+            if (!zone.velocityGains && floorOf(zone) < 0) ++votes[floorOf(zone)];
     if (votes.empty()) return fullTrackingFloor;
 
     const auto fewer = [](const auto& a, const auto& b) { return a.second < b.second; };
@@ -49,7 +49,8 @@ int velocityFloorOf(const std::vector<MappedGroup>& groups, ImportReport& report
         "the instrument's one, " + std::to_string(floor * 100 / fullTrackingFloor) + " %, or none at all";
     for (const MappedGroup& group : groups)
         for (const ImportedZone& zone : group.zones)
-            if (floorOf(zone) != floor && (floorOf(zone) != 0 || zone.velocityTracking < 0.0))
+            if (!zone.velocityGains && floorOf(zone) != floor &&
+                (floorOf(zone) != 0 || zone.velocityTracking < 0.0))
                 report.add("velocity tracking of its own", instead, zone.place);
     return floor;
 }

@@ -23,7 +23,7 @@ HostWindow::~HostWindow() {
 std::unique_ptr<HostWindow> HostWindow::open(HostedPlugin& plugin, std::string& error) {
     const auto size = plugin.editorSize();
     if (size.width <= 0 || size.height <= 0) {
-        error = "the plug-in has no editor";
+        error = "the plug-in has no editor: " + std::to_string(size.width) + " x " + std::to_string(size.height);
         return nullptr;
     }
     auto native = NativeWindow::create(size);

@@ -191,7 +191,7 @@ Vst2::VstIntPtr HostedPlugin::handle(int opcode, int index, Vst2::VstIntPtr valu
     case Vst2::audioMasterGetBlockSize:
         return options_.blockSize;
     case Vst2::audioMasterGetCurrentProcessLevel:
-        return options_.offline ? Vst2::kVstProcessLevelOffline : Vst2::kVstProcessLevelRealtime;
+        return offline_ ? Vst2::kVstProcessLevelOffline : Vst2::kVstProcessLevelRealtime;
     case Vst2::audioMasterUpdateDisplay:
         return 1;
     case Vst2::audioMasterSizeWindow:

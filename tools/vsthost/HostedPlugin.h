@@ -50,7 +50,7 @@ class HostedPlugin {
     void activate(double sampleRate, int blockSize);
     void activate() { activate(options_.sampleRate, options_.blockSize); }
     void deactivate();
-    void setOffline(bool offline) { options_.offline = offline; }
+    void setOffline(bool offline) { offline_ = offline; }
 
     /// Events of the coming block, in order of their offsets.
     void send(const std::vector<HostEvent>& events);
@@ -83,7 +83,8 @@ class HostedPlugin {
   private:
     HostedPlugin(std::unique_ptr<SharedModule> module, const Options& options)
         : module_(std::move(module))
-        , options_(options) {}
+        , options_(options)
+        , offline_(options.offline) {}
 
     static Vst2::VstIntPtr hostCallback(Vst2::AEffect* effect, int opcode, int index, Vst2::VstIntPtr value,
                                         void* pointer, float option);
@@ -92,6 +93,7 @@ class HostedPlugin {
 
     std::unique_ptr<SharedModule> module_;
     Options options_;
+    std::atomic<bool> offline_; // the audio thread asks for it
     Vst2::AEffect* effect_ = nullptr;
     Vst2::VstTimeInfo time_{};
     double renderedFrames_ = 0.0;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "platform/File.h"
+#include "tools/check/InstrumentCheck.h"
 #include "tools/common/ProgressBar.h"
 #ifdef ZARNO_HAS_DRAWING
 #include "tools/draw/AutoPanel.h"
@@ -22,10 +23,12 @@
 namespace zarno {
 namespace {
 
+constexpr std::size_t mostRemarkLines = 20; // of a screen
+
 struct Arguments {
     std::string source, out;
     std::string preset, panel;
-    bool embed = false, plain = false, stream = false, memory = false, json = false;
+    bool embed = false, plain = false, stream = false, memory = false, json = false, allRemarks = false;
     FolderOptions folder;
 };
 
@@ -44,7 +47,8 @@ ImportedInstrument readSource(const Arguments& arguments, ImportReport& report) 
 
 // Of a SoundFont one preset, or all into a folder.
 void importSource(const Arguments& arguments, const ImportOptions& options, ImportReport& report) {
-    if (lowerCase(utf8Text(filePath(arguments.source).extension())) != ".sf2")
+    const std::string kind = lowerCase(utf8Text(filePath(arguments.source).extension()));
+    if (kind != ".sf2" && kind != ".sf3")
         return importInstrument(readSource(arguments, report), options, report);
     const SoundFontFile file = SoundFontFile::read(arguments.source);
     if (!arguments.preset.empty()) return importSoundFont(file, arguments.preset, options, report);
@@ -65,6 +69,15 @@ void addPanel(const std::string& panel, InstrumentFile& file) {
         throw MakerError(panel, "the layout cannot be read");
 }
 
+// What no instrument should have: silence, one side only, clipping.
+void hear(const std::string& path, ImportReport& report) {
+    Findings findings;
+    checkLevels(
+        reportOn(path), [](double) {}, findings);
+    for (const Finding& finding : findings)
+        report.add(ImportReport::Severity::Error, finding.what, "see zarno check", finding.place);
+}
+
 void import(const Arguments& arguments) {
     ImportReport report;
     report.source = arguments.source;
@@ -75,17 +88,27 @@ void import(const Arguments& arguments) {
     options.storage = arguments.stream   ? SampleStorage::Stream
                       : arguments.memory ? SampleStorage::Memory
                                          : SampleStorage::Auto;
+    options.check = hear;
+    options.announce = [](std::uint64_t bytes) {
+        std::cerr << "samples will take at most " << (bytes + 999'999) / 1'000'000 << " MB\n";
+    };
     if (!arguments.panel.empty())
         options.finish = [&arguments](Model& model) { addPanel(arguments.panel, model.file); };
-    {
+    const auto tell = [&] {
+        if (arguments.json)
+            std::cout << report.toJson().dump(1) << '\n';
+        else
+            std::cout << report.summary() << report.remarksText(arguments.allRemarks ? 0 : mostRemarkLines);
+    };
+    try {
         ProgressBar progress("Importing");
         options.progress = [&progress](double fraction) { progress.show(fraction); };
         importSource(arguments, options, report);
+    } catch (const MakerError&) {
+        tell(); // why nothing came of it
+        throw;
     }
-    if (arguments.json)
-        std::cout << report.toJson().dump(1) << '\n';
-    else
-        std::cout << report.toText();
+    tell();
 }
 
 } // namespace
@@ -113,6 +136,7 @@ void addImportCommand(CLI::App& program) {
                         "One preset of a SoundFont: its program, bank:program, or its name");
     command->add_option("--panel", arguments->panel,
                         "\"auto\": draw a panel with the name and the knobs that matter; or a layout file");
+    command->add_flag("--remarks", arguments->allRemarks, "All kinds of remarks, not only those of a screen");
     command->add_flag("--json", arguments->json, "Report for programs to read");
     command->callback([arguments] { import(*arguments); });
 }

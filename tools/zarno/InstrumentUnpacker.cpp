@@ -9,6 +9,8 @@
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
 #include "tools/zarno/ModelJson.h"
+#include "tools/zarno/PanelSource.h"
+#include "tools/zarno/WaveCopy.h"
 
 #include <algorithm>
 #include <cstring>
@@ -20,8 +22,6 @@ namespace zarno {
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr std::uint64_t waveHeaderBytes = 44;
 
 std::string_view imageExtension(const std::vector<std::uint8_t>& image) {
     const std::string_view start(reinterpret_cast<const char*>(image.data()),
@@ -46,28 +46,6 @@ std::string fileNameFor(const std::string& sampleName, std::size_t number) {
     return "samples/" + std::string(4 - std::min<std::size_t>(4, digits.size()), '0') + digits + ' ' + name;
 }
 
-std::string waveHeader(const SampleBlock& block) {
-    const auto channels = static_cast<std::uint16_t>(block.header.channels);
-    const auto width = static_cast<std::uint16_t>(block.header.bytesPerSample);
-    const auto rate = static_cast<std::uint32_t>(block.header.sampleRate);
-    const auto data = static_cast<std::uint32_t>(block.dataBytes);
-    std::string out;
-    const auto put = [&](auto value) { out.append(reinterpret_cast<const char*>(&value), sizeof value); };
-    out += "RIFF";
-    put(static_cast<std::uint32_t>(waveHeaderBytes - 8 + data));
-    out += "WAVEfmt ";
-    put(std::uint32_t{16});
-    put(static_cast<std::uint16_t>(width == 4 ? 3 : 1)); // float or integer
-    put(channels);
-    put(rate);
-    put(static_cast<std::uint32_t>(rate * channels * width));
-    put(static_cast<std::uint16_t>(channels * width));
-    put(static_cast<std::uint16_t>(width * 8));
-    out += "data";
-    put(data);
-    return out;
-}
-
 class Unpacker {
   public:
     Unpacker(const std::string& path, const std::string& folder, const UnpackOptions& options)
@@ -82,6 +60,7 @@ class Unpacker {
     void parse();
     void write(const std::string& name, const std::string& head, std::uint64_t offset, std::uint64_t bytes);
     void write(const std::string& name, const void* data, std::size_t bytes);
+    void layout();
     void blocks();
     bool fitsWave(const SampleBlock& block) const;
     void copySamples();
@@ -149,8 +128,13 @@ void Unpacker::blocks() {
         sample.raw = !fitsWave(block);
         if (!sample.raw || block.dataBytes > 0) {
             sample.file = fileNameFor(block.name, i + 1) + (sample.raw ? ".raw" : ".wav");
-            write(sample.file, sample.raw ? "" : waveHeader(block), block.position + sizeof block.header,
-                  block.dataBytes);
+            const SampleBlockHeader& header = block.header;
+            const bool floats = header.bytesPerSample == 4;
+            write(sample.file,
+                  sample.raw ? ""
+                             : waveHeader(header.channels, header.bytesPerSample, floats, header.sampleRate,
+                                          block.dataBytes),
+                  block.position + sizeof block.header, block.dataBytes);
         }
         files_.samples.push_back(sample);
     }
@@ -180,6 +164,20 @@ void Unpacker::copySamples() {
         if (!copySample(name)) notes_.notCopied.push_back(name);
 }
 
+// In its readable form where that says all of it.
+void Unpacker::layout() {
+    const std::string& layout = file_.layout.bytes;
+    if (layout.empty()) return;
+    const auto source = panelSourceOf(layout);
+    std::string& name = source ? files_.layoutSource : files_.layout;
+    name = source ? "panel.xml" : "layout.xml";
+    const std::string& text = source ? source->xml : layout;
+    write(name, text.data(), text.size());
+    if (!source) return;
+    for (const PanelSource::Picture& picture : source->pictures)
+        write(picture.file, picture.bytes.data(), picture.bytes.size());
+}
+
 std::vector<std::uint8_t> Unpacker::trailing() {
     std::vector<std::uint8_t> rest;
     Bytes bytes(in_);
@@ -193,10 +191,7 @@ UnpackNotes Unpacker::run() {
     const std::string json = joinPath(folder_, std::string(instrumentJsonName));
     if (!options_.overwrite && pathExists(json)) throw MakerError(json, "this is there already");
     fs::create_directories(filePath(folder_));
-    if (!file_.layout.bytes.empty()) {
-        files_.layout = "layout.xml";
-        write(files_.layout, file_.layout.bytes.data(), file_.layout.bytes.size());
-    }
+    layout();
     if (!file_.image.empty()) {
         files_.panel = "panel" + std::string(imageExtension(file_.image));
         write(files_.panel, file_.image.data(), file_.image.size());

@@ -2,6 +2,8 @@
 #include "tools/zarno/InstrumentWriter.h"
 
 #include "data/Limits.h"
+#include "data/load/SamplePath.h"
+#include "platform/Paths.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
 #include "tools/zarno/Model.h"
@@ -97,6 +99,23 @@ void Writer::block(std::size_t index) {
         throw MakerError(block.name, "the sample has another length than its header says");
 }
 
+void replaceFile(const std::string& path, const std::function<void(std::ostream&)>& write) {
+    const std::filesystem::path target = filePath(path), partial = filePath(path + ".part");
+    std::error_code ignored;
+    try {
+        if (target.has_parent_path()) std::filesystem::create_directories(target.parent_path(), ignored);
+        std::ofstream out(partial, std::ios::binary);
+        if (!out) throw MakerError(path, "the file cannot be made");
+        write(out);
+        out.close();
+        if (!out) throw MakerError(path, "the file cannot be written");
+        std::filesystem::rename(partial, target);
+    } catch (...) {
+        std::filesystem::remove(partial, ignored);
+        throw;
+    }
+}
+
 } // namespace
 
 void writeInstrument(const Model& model, std::ostream& out) {
@@ -104,19 +123,11 @@ void writeInstrument(const Model& model, std::ostream& out) {
 }
 
 void writeInstrumentFile(const Model& model, const std::string& path) {
-    const std::filesystem::path target = filePath(path), partial = filePath(path + ".part");
-    try {
-        std::ofstream out(partial, std::ios::binary);
-        if (!out) throw MakerError(path, "the file cannot be made");
-        writeInstrument(model, out);
-        out.close();
-        if (!out) throw MakerError(path, "the file cannot be written");
-        std::filesystem::rename(partial, target);
-    } catch (...) {
-        std::error_code ignored;
-        std::filesystem::remove(partial, ignored);
-        throw;
+    for (const Model::Wave& wave : model.waves) {
+        const std::string instrument = toBackslashForm(absolutePath(path));
+        replaceFile(fromBackslashForm(resolveSamplePath(wave.sample, instrument)), wave.write);
     }
+    replaceFile(path, [&](std::ostream& out) { writeInstrument(model, out); });
 }
 
 } // namespace zarno

@@ -13,7 +13,8 @@ struct Model;
 /// cannot hold or `out` cannot take.
 void writeInstrument(const Model& model, std::ostream& out);
 
-/// Writes the model to `path` (UTF-8), replacing what was there only when all went well.
+/// Writes the model's waves and then the model to `path` (UTF-8). Each file replaces what was there only when
+/// all of it could be written.
 void writeInstrumentFile(const Model& model, const std::string& path);
 
 } // namespace zarno

@@ -9,33 +9,39 @@
 
 namespace zarno {
 
-JsonObject::JsonObject(const Json& value, std::string where)
-    : value_(value)
-    , where_(std::move(where)) {
-    if (!value.is_object()) throw MakerError(where_, "this must be an object");
+JsonObject::JsonObject(const Json& value, std::string where, JsonFaults& faults)
+    : value_(&value)
+    , where_(std::move(where))
+    , faults_(faults) {
+    static const Json empty = Json::object();
+    if (value.is_object()) return;
+    if (!value.is_null()) faults.add(where_, "this must be an object");
+    value_ = &empty;
 }
 
 std::string JsonObject::whereOf(std::string_view key) const {
-    return where_.empty() || where_.ends_with(": ") ? where_ + std::string(key)
-                                                    : where_ + '.' + std::string(key);
+    return where_.empty() ? std::string(key) : where_ + '.' + std::string(key);
 }
 
 const Json* JsonObject::find(const std::string& key) {
     known_.insert(key);
-    const auto found = value_.find(key);
-    return found == value_.end() ? nullptr : &*found;
+    const auto found = value_->find(key);
+    return found == value_->end() ? nullptr : &*found;
 }
 
 const Json& JsonObject::at(const std::string& key) {
+    static const Json none;
     if (const Json* found = find(key)) return *found;
-    throw MakerError(whereOf(key), "this is missing");
+    fault(key, "this is missing");
+    return none;
 }
 
 std::string JsonObject::text(const std::string& key, const std::string& otherwise) {
     const Json* found = find(key);
     if (!found) return otherwise;
-    if (!found->is_string()) throw MakerError(whereOf(key), "this must be a text");
-    return found->get<std::string>();
+    if (found->is_string()) return found->get<std::string>();
+    fault(key, "this must be a text");
+    return otherwise;
 }
 
 std::int64_t JsonObject::integer(const std::string& key, std::int64_t otherwise, std::int64_t low,
@@ -43,11 +49,11 @@ std::int64_t JsonObject::integer(const std::string& key, std::int64_t otherwise,
     const Json* found = find(key);
     if (!found) return otherwise;
     const bool tooLarge = found->is_number_unsigned() && found->get<std::uint64_t>() > INT64_MAX;
-    if (!found->is_number_integer() || tooLarge || found->get<std::int64_t>() < low ||
-        found->get<std::int64_t>() > high)
-        throw MakerError(whereOf(key), "this must be a whole number from " + std::to_string(low) + " to " +
-                                           std::to_string(high));
-    return found->get<std::int64_t>();
+    if (found->is_number_integer() && !tooLarge && found->get<std::int64_t>() >= low &&
+        found->get<std::int64_t>() <= high)
+        return found->get<std::int64_t>();
+    fault(key, "this must be a whole number from " + std::to_string(low) + " to " + std::to_string(high));
+    return otherwise;
 }
 
 std::int32_t JsonObject::int32(const std::string& key, std::int32_t otherwise) {
@@ -56,31 +62,32 @@ std::int32_t JsonObject::int32(const std::string& key, std::int32_t otherwise) {
 
 bool JsonObject::flag(const std::string& key) {
     const Json* found = find(key);
-    if (found && !found->is_boolean()) throw MakerError(whereOf(key), "this must be true or false");
-    return found && found->get<bool>();
+    if (found && !found->is_boolean()) fault(key, "this must be true or false");
+    return found && found->is_boolean() && found->get<bool>();
 }
 
 StoredText JsonObject::storedText(const std::string& key) {
     const Json* found = find(key);
-    return found ? textFromJson(*found, whereOf(key)) : StoredText();
+    return found ? textFromJson(*found, whereOf(key), faults_) : StoredText();
 }
 
 std::vector<std::uint8_t> JsonObject::hex(const std::string& key) {
-    const Json* found = find(key);
-    return found ? fromHex(*found, whereOf(key)) : std::vector<std::uint8_t>();
+    std::vector<std::uint8_t> bytes;
+    if (const Json* found = find(key)) faults_.guard([&] { bytes = fromHex(*found, whereOf(key)); });
+    return bytes;
 }
 
 const Json& JsonObject::list(const std::string& key) {
     static const Json none = Json::array();
     const Json* found = find(key);
-    if (!found) return none;
-    if (!found->is_array()) throw MakerError(whereOf(key), "this must be a list");
-    return *found;
+    if (found && !found->is_array()) fault(key, "this must be a list");
+    return found && found->is_array() ? *found : none;
 }
 
-void JsonObject::finish() const {
-    for (const auto& [key, member] : value_.items())
-        if (!known_.contains(key)) throw MakerError(whereOf(key), "there is no such field");
+void JsonObject::finish() {
+    const std::vector<std::string_view> names(known_.begin(), known_.end());
+    for (const auto& [key, member] : value_->items())
+        if (!known_.contains(key)) fault(key, "there is no such field" + suggestion(key, names));
 }
 
 Json textToJson(const StoredText& text) {
@@ -90,10 +97,15 @@ Json textToJson(const StoredText& text) {
     return json;
 }
 
-StoredText textFromJson(const Json& json, const std::string& where) {
+StoredText textFromJson(const Json& json, const std::string& where, JsonFaults& faults) {
     if (json.is_string()) return {json.get<std::string>(), true};
-    JsonObject object(json, where);
-    const auto bytes = fromHex(object.at("hex"), object.whereOf("hex"));
+    if (!json.is_object()) {
+        if (!json.is_null()) faults.add(where, "this must be a text, or an object with its bytes in \"hex\"");
+        return {};
+    }
+    JsonObject object(json, where, faults);
+    object.at("hex");
+    const auto bytes = object.hex("hex");
     const bool terminated = !object.has("terminated") || object.flag("terminated");
     object.find("terminated");
     object.finish();

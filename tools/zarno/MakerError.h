@@ -3,6 +3,7 @@
 
 #include <stdexcept>
 #include <string>
+#include <vector>
 
 namespace zarno {
 
@@ -10,7 +11,17 @@ namespace zarno {
 /// into a message and exit code 1.
 struct MakerError : std::runtime_error {
     MakerError(const std::string& where, const std::string& why)
-        : std::runtime_error(where.empty() ? why : where + ": " + why) {}
+        : std::runtime_error(where.empty() ? why : where + ": " + why)
+        , where(where)
+        , why(why) {}
+
+    std::string where, why;
+};
+
+/// Several faults of one text file, found in one go. The message has a line for each:
+/// "FILE:LINE:COLUMN: where: why".
+struct MakerErrors : MakerError {
+    MakerErrors(const std::string& file, const std::vector<std::string>& lines);
 };
 
 } // namespace zarno

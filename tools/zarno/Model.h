@@ -19,6 +19,13 @@ struct Model {
     /// One for each of file.blocks. Writes exactly the block's dataBytes; throws MakerError when it cannot.
     std::vector<std::function<void(std::ostream&)>> frames;
 
+    /// Waves that zones of external storage name and that are written beside the instrument file.
+    struct Wave {
+        std::string sample;                       ///< as zones name it
+        std::function<void(std::ostream&)> write; ///< throws MakerError
+    };
+    std::vector<Wave> waves;
+
     std::vector<std::uint8_t> trailing; ///< what follows the instrument in its file
 };
 

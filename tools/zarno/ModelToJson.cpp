@@ -25,10 +25,18 @@ std::vector<std::string_view> twinsToSay(const InstrumentSettings& settings) {
     using S = InstrumentSettings;
     pair(&S::streamBufferFrames, &S::streamBufferFramesStored, "streamBufferFrames",
          "streamBufferFramesStored");
-    pair(&S::sixteenBit, &S::sixteenBitStored, "sixteenBit", "sixteenBitStored");
+    names.insert(names.end(), {"sixteenBit", "sixteenBitStored"}); // left out, the recordings would decide
     pair(&S::streaming, &S::streamingStored, "streaming", "streamingStored");
     pair(&S::polyphony, &S::polyphonyStored, "polyphony", "polyphonyStored");
     return names;
+}
+
+bool isInRange(const InstrumentFile& file) {
+    const auto holds = [](const auto& entry) { return isInRange(layoutOf(entry.record), &entry.record); };
+    return isInRange(layoutOf(file.settings), &file.settings) &&
+           std::all_of(file.groups.begin(), file.groups.end(), [&](const GroupEntry& group) {
+               return holds(group) && std::all_of(group.zones.begin(), group.zones.end(), holds);
+           });
 }
 
 Json storageToJson(std::uint8_t storage) {
@@ -42,11 +50,15 @@ void addHeader(Json& json, const InstrumentFile& file, const FolderFiles& files)
     if (!std::equal(std::begin(file.magic), std::end(file.magic), format::magic))
         json["magic"] = {{"hex", toHex(file.magic, sizeof file.magic)}};
     json["version"] = file.version;
+    if (!isInRange(file)) json["oddValues"] = true;
     json["storage"] = storageToJson(file.storage);
     json["name"] = textToJson(file.name);
     json["title"] = textToJson(file.title);
     json["text"] = textToJson(file.remark);
-    json["layout"] = files.layout; // also when there is none: left out, it would be the built-in one
+    if (!files.layoutSource.empty())
+        json["layoutSource"] = files.layoutSource;
+    else
+        json["layout"] = files.layout; // also when there is none: left out, it would be the built-in one
     if (!file.layout.terminated) json["layoutTerminated"] = false;
     if (!files.panel.empty()) json["panel"] = files.panel;
     if (file.imageSize < 0) json["imageSize"] = file.imageSize;

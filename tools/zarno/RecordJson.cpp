@@ -63,11 +63,29 @@ float floatFromJson(const Json& json, const std::string& where) {
     return std::bit_cast<float>(bits);
 }
 
+// `it must be "Low", "Mid" or "High"`
+std::string choicesOf(const RecordField& field) {
+    std::string text = "it must be ";
+    for (std::size_t i = 0; i < field.choices.size(); ++i) {
+        const bool isLast = i + 1 == field.choices.size();
+        text += (i == 0 ? "\"" : isLast ? " or \"" : ", \"") + std::string(field.choices[i]) + '"';
+    }
+    return text;
+}
+
+double numberOf(const RecordField& field, const void* record) {
+    if (field.type == FieldType::Float) return load<float>(field, record);
+    if (field.type == FieldType::Int) return load<std::int32_t>(field, record);
+    return static_cast<double>(load<std::uint64_t>(field, record));
+}
+
 std::int32_t intFromJson(const RecordField& field, const Json& json, const std::string& where) {
-    if (json.is_string() && !field.texts.empty()) {
-        const auto found = std::find(field.texts.begin(), field.texts.end(), json.get<std::string>());
-        if (found != field.texts.end()) return static_cast<std::int32_t>(found - field.texts.begin());
-        throw MakerError(where, "there is no \"" + json.get<std::string>() + "\" here");
+    if (json.is_string() && !field.choices.empty()) {
+        const auto given = json.get<std::string>();
+        const auto found = std::find(field.choices.begin(), field.choices.end(), given);
+        if (found != field.choices.end()) return static_cast<std::int32_t>(found - field.choices.begin());
+        throw MakerError(where, "there is no \"" + given + "\" here: " + choicesOf(field) +
+                                    suggestion(given, field.choices));
     }
     if (json.is_boolean()) return json.get<bool>() ? 1 : 0;
     const double number = json.is_number() ? json.get<double>() : 0.5;
@@ -92,6 +110,10 @@ void fieldFromJson(const RecordField& field, const Json& json, void* record, con
     }
 }
 
+bool isFieldInRange(const RecordField& field, const void* record) {
+    return field.range.holds(numberOf(field, record));
+}
+
 bool isDefault(const RecordLayout& layout, const RecordField& field, const void* record) {
     const auto at = [&](const void* base) { return static_cast<const char*>(base) + field.offset; };
     return std::memcmp(at(record), at(layout.defaults), bytesOf(field)) == 0;
@@ -103,8 +125,8 @@ Json fieldToJson(const RecordField& field, const void* record) {
     if (field.type == FieldType::Float) return floatToJson(load<float>(field, record));
     if (field.type == FieldType::Frame) return load<std::uint64_t>(field, record);
     const auto value = load<std::int32_t>(field, record);
-    const bool named = value >= 0 && static_cast<std::size_t>(value) < field.texts.size();
-    return named ? Json(field.texts[static_cast<std::size_t>(value)]) : Json(value);
+    const bool named = value >= 0 && static_cast<std::size_t>(value) < field.choices.size();
+    return named ? Json(field.choices[static_cast<std::size_t>(value)]) : Json(value);
 }
 
 Json recordToJson(const RecordLayout& layout, const void* record, std::span<const std::string_view> always) {
@@ -122,17 +144,44 @@ Json recordToJson(const RecordLayout& layout, const void* record, std::span<cons
     return json;
 }
 
-void recordFromJson(const RecordLayout& layout, const Json& json, void* record, const std::string& where) {
-    JsonObject object(json, where);
+void recordFromJson(const RecordLayout& layout, const Json& json, void* record, const std::string& where,
+                    Ranges ranges, JsonFaults& faults) {
+    JsonObject object(json, where, faults);
     for (const RecordField& field : layout.fields) {
         const std::string name(field.name);
-        if (const Json* given = object.find(name)) fieldFromJson(field, *given, record, object.whereOf(name));
+        const Json* given = object.find(name);
+        if (!given) continue;
+        faults.guard([&] {
+            fieldFromJson(field, *given, record, object.whereOf(name));
+            if (ranges == Ranges::Checked && !isFieldInRange(field, record))
+                throw MakerError(object.whereOf(name), "this is " + given->dump() + ": " + rangeOf(field));
+        });
     }
     const auto unread = object.hex("unread");
     if (unread.size() > layout.bytes - layout.unreadOffset)
-        throw MakerError(object.whereOf("unread"), "these are more bytes than the record has");
-    std::copy(unread.begin(), unread.end(), static_cast<std::uint8_t*>(record) + layout.unreadOffset);
+        object.fault("unread", "these are more bytes than the record has");
+    else
+        std::copy(unread.begin(), unread.end(), static_cast<std::uint8_t*>(record) + layout.unreadOffset);
     object.finish();
+}
+
+bool isInRange(const RecordLayout& layout, const void* record) {
+    return std::all_of(layout.fields.begin(), layout.fields.end(),
+                       [&](const RecordField& field) { return isFieldInRange(field, record); });
+}
+
+std::string rangeOf(const RecordField& field) {
+    const std::string low = shortNumber(field.range.low), high = shortNumber(field.range.high);
+    const std::string unit = field.unit.empty() ? "" : ' ' + std::string(field.unit);
+    if (std::isinf(field.range.low)) return "it must be a number";
+    if (std::isinf(field.range.high)) return "it must be " + low + unit + " or more";
+    if (!field.choices.empty()) return choicesOf(field);
+    return "it must be from " + low + " to " + high + unit;
+}
+
+std::string shortNumber(double value) {
+    char text[32];
+    return {text, std::to_chars(text, text + sizeof text, value).ptr};
 }
 
 } // namespace zarno

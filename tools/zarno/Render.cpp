@@ -8,6 +8,7 @@
 #include "tools/common/SongReader.h"
 #include "tools/common/WavWriter.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <stdexcept>
 
@@ -89,6 +90,30 @@ void load(ZInstrument& instrument, const std::string& path) {
     if (result.problem) std::fprintf(stderr, "%s\n", sentence(result.problem).c_str());
 }
 
+struct KeyRange {
+    int low = 127, high = 0;
+    bool isEmpty() const { return low > high; }
+    void add(int key) { low = std::min(low, key), high = std::max(high, key); }
+    std::string text() const { return std::to_string(low) + " to " + std::to_string(high); }
+};
+
+// The most likely reason, in the order in which a maker would look for it.
+std::string whySilent(const ZInstrument& instrument, const Song& song, int mostVoices) {
+    KeyRange played, zones;
+    for (const SongEvent& event : song.events)
+        if (event.type() == midi::noteOn && event.bytes[2] > 0) played.add(event.bytes[1]);
+    for (const auto& group : instrument.groups())
+        for (const auto& zone : group->zones())
+            zones.add(zone->record.lowKey), zones.add(zone->record.highKey);
+    if (played.isEmpty()) return "the song has no notes";
+    if (zones.isEmpty()) return "the instrument has no zone whose sample can be read";
+    if (mostVoices > 0)
+        return "its voices play too softly to be heard: look at volumes, envelopes and samples";
+    if (played.high < zones.low || played.low > zones.high)
+        return "the song plays the keys " + played.text() + ", the zones have the keys " + zones.text();
+    return "no zone answers to its notes: look at the groups' triggers, keys and velocities";
+}
+
 void printStats(const StreamStats& stats) {
     std::printf(
         "streaming: at most %d voices, %llu refills, %llu late, %llu failed, %.1f MB read at %.0f MB/s\n",
@@ -121,6 +146,9 @@ void renderOrThrow(const RenderOptions& options) {
                 renderer.seconds(), song->noteCount(), renderer.mostVoices(), toDecibels(levels.peak()),
                 toDecibels(levels.rms()));
     if (options.stats) printStats(instrument.streamStats());
+    if (levels.peak() < silence)
+        throw std::runtime_error(options.out +
+                                 ": this is silent: " + whySilent(instrument, *song, renderer.mostVoices()));
 }
 
 } // namespace
@@ -130,7 +158,7 @@ int render(const RenderOptions& options) {
         renderOrThrow(options);
         return 0;
     } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
+        std::fprintf(stderr, "zarno: %s\n", error.what());
         return 1;
     }
 }

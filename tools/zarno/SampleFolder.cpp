@@ -2,6 +2,7 @@
 #include "tools/zarno/SampleFolder.h"
 
 #include "data/load/SamplePath.h"
+#include "data/sound/ZWaveFile.h"
 #include "platform/Paths.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/MakerError.h"
@@ -22,11 +23,13 @@ void copyFile(const std::string& path, std::ostream& out) {
 
 } // namespace
 
-SampleFolder::SampleFolder(std::string folder, const Json& samples)
-    : folder_(std::move(folder)) {
+SampleFolder::SampleFolder(std::string folder, const Json& samples, const PackOptions& options,
+                           JsonFaults& faults)
+    : decode_(options.decode)
+    , folder_(std::move(folder)) {
     for (std::size_t i = 0; i < samples.size(); ++i) {
-        JsonObject sample(samples[i], "samples[" + std::to_string(i) + "]");
-        const std::string name(textFromJson(sample.at("name"), sample.whereOf("name")).text());
+        JsonObject sample(samples[i], "samples[" + std::to_string(i) + "]", faults);
+        const std::string name(textFromJson(sample.at("name"), sample.whereOf("name"), faults).text());
         Entry entry;
         entry.file = sample.text("file");
         entry.raw = sample.flag("raw");
@@ -36,7 +39,7 @@ SampleFolder::SampleFolder(std::string folder, const Json& samples)
         entry.header.frames = sample.integer("frames", 0, INT64_MIN, INT64_MAX);
         entry.header.reserved = static_cast<std::uint32_t>(sample.integer("reserved", 0, 0, UINT32_MAX));
         sample.finish();
-        if (!entry.raw && entry.file.empty()) throw MakerError(sample.whereOf("file"), "this is missing");
+        if (!entry.raw && entry.file.empty()) sample.at("file");
         entries_.emplace(name, entry);
     }
 }
@@ -48,20 +51,31 @@ std::string SampleFolder::pathOf(const std::string& sampleName) const {
     return fromBackslashForm(resolveSamplePath(sampleName, toBackslashForm(instrument)));
 }
 
-std::shared_ptr<ZWaveFile> SampleFolder::wave(const std::string& sampleName, WaveFormats formats) {
-    const auto [found, isNew] = waves_.try_emplace(pathOf(sampleName));
-    if (isNew) {
+SampleFolder::Sound SampleFolder::openSound(const std::string& path) const {
+    for (const WaveFormats formats : {WaveFormats::Player, WaveFormats::Tools}) {
         auto wave = std::make_shared<ZWaveFile>(formats);
-        if (wave->open(found->first)) found->second = wave;
+        if (!wave->open(path)) continue;
+        const bool hasFloats = wave->hasFloatSamples();
         wave->close();
+        return {std::move(wave), formats == WaveFormats::Player, true, hasFloats};
     }
+    if (!decode_ || path.empty()) return {};
+    std::shared_ptr<ZSoundFile> decoded = decode_(path);
+    if (decoded) decoded->close();
+    return {std::move(decoded), false, false, true};
+}
+
+const SampleFolder::Sound& SampleFolder::sound(const std::string& sampleName) {
+    const std::string path = pathOf(sampleName);
+    const auto [found, isNew] = sounds_.try_emplace(path);
+    if (isNew) found->second = openSound(path);
     return found->second;
 }
 
 SampleFolder::Block SampleFolder::makeBlock(const std::string& sampleName, bool sixteenBit) {
     const auto found = entries_.find(sampleName);
     const Entry entry = found == entries_.end() ? Entry() : found->second;
-    Block made = entry.raw ? rawBlock(entry, sixteenBit) : waveBlock(sampleName, entry, sixteenBit);
+    Block made = entry.raw ? rawBlock(entry, sixteenBit) : soundBlock(sampleName, entry, sixteenBit);
     made.block.name = sampleName;
     return made;
 }
@@ -85,22 +99,23 @@ SampleFolder::Block SampleFolder::rawBlock(const Entry& entry, bool sixteenBit) 
     return made;
 }
 
-SampleFolder::Block SampleFolder::waveBlock(const std::string& sampleName, const Entry& entry,
-                                            bool sixteenBit) {
+SampleFolder::Block SampleFolder::soundBlock(const std::string& sampleName, const Entry& entry,
+                                             bool sixteenBit) {
     const std::string path = pathOf(sampleName);
-    const auto sound = wave(sampleName, WaveFormats::IntegerAndFloat);
-    if (!sound) throw MakerError(path, "there is no wave here that can be read");
-    if (sixteenBit && sound->bytesPerSample() == 4 && !sound->hasFloatSamples())
+    const Sound& found = sound(sampleName);
+    const auto file = found.file;
+    if (!file) throw MakerError(path, "there is no wave here that can be read");
+    if (sixteenBit && file->bytesPerSample() == 4 && !found.hasFloats)
         throw MakerError(path, "32-bit samples have no 16-bit form: set sixteenBit to 0, or convert them");
     Block made;
-    made.block.header = {sixteenBit ? 2 : 4, sound->sampleRate(), sound->channelCount(),
-                         entry.header.reserved, static_cast<std::int64_t>(sound->lengthInFrames())};
+    made.block.header = {sixteenBit ? 2 : 4, file->sampleRate(), file->channelCount(), entry.header.reserved,
+                         static_cast<std::int64_t>(file->lengthInFrames())};
     made.block.dataBytes =
         format::sampleDataBytes(sixteenBit, made.block.header.channels, made.block.header.frames);
-    made.frames = [sound, path, sixteenBit](std::ostream& out) {
-        if (!sound->reopen() || !writeFrames(*sound, out, sixteenBit ? 2 : 4))
+    made.frames = [file, path, sixteenBit](std::ostream& out) {
+        if (!file->reopen() || !writeFrames(*file, out, sixteenBit ? 2 : 4))
             throw MakerError(path, "the frames cannot be copied");
-        sound->close();
+        file->close();
     };
     return made;
 }

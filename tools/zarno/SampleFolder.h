@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #pragma once
 
-#include "data/sound/ZWaveFile.h"
+#include "data/sound/ZSoundFile.h"
 #include "tools/zarno/JsonObject.h"
 #include "tools/zarno/Model.h"
+#include "tools/zarno/ModelJson.h"
 
 #include <functional>
 #include <map>
@@ -12,11 +13,11 @@
 
 namespace zarno {
 
-/// The waves beside an instrument.json, opened at most once each.
+/// The recordings beside an instrument.json, opened at most once each.
 class SampleFolder {
   public:
-    /// `samples`: the list of that name, or an empty one. Throws MakerError.
-    SampleFolder(std::string folder, const Json& samples);
+    /// `samples`: the list of that name, or an empty one. `decode`: see PackOptions.
+    SampleFolder(std::string folder, const Json& samples, const PackOptions& options, JsonFaults& faults);
 
     /// A sample block and where its frames come from.
     struct Block {
@@ -26,9 +27,15 @@ class SampleFolder {
     /// The block of the sample of this name, in the width given. Throws MakerError.
     Block makeBlock(const std::string& sampleName, bool sixteenBit);
 
-    /// The wave of this name, closed; null when there is none that can be read. External samples are read as
-    /// a player does, embedded ones may be float.
-    std::shared_ptr<ZWaveFile> wave(const std::string& sampleName, WaveFormats formats);
+    /// A recording, closed.
+    struct Sound {
+        std::shared_ptr<ZSoundFile> file; ///< null when there is none that can be read
+        bool playsExternally = false;     ///< a player reads the file as it is
+        bool isWave = false;
+        bool hasFloats = false;
+    };
+    const Sound& sound(const std::string& sampleName);
+    std::string pathOf(const std::string& sampleName) const; ///< empty for raw data
 
   private:
     struct Entry {
@@ -38,12 +45,13 @@ class SampleFolder {
     };
 
     Block rawBlock(const Entry& entry, bool sixteenBit) const;
-    Block waveBlock(const std::string& sampleName, const Entry& entry, bool sixteenBit);
-    std::string pathOf(const std::string& sampleName) const;
+    Block soundBlock(const std::string& sampleName, const Entry& entry, bool sixteenBit);
+    Sound openSound(const std::string& path) const;
 
+    const std::function<std::unique_ptr<ZSoundFile>(const std::string&)> decode_;
     std::string folder_; // absolute
     std::map<std::string, Entry> entries_;
-    std::map<std::string, std::shared_ptr<ZWaveFile>> waves_; // by path; null when unreadable
+    std::map<std::string, Sound> sounds_; // by path
 };
 
 } // namespace zarno

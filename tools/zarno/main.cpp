@@ -16,18 +16,18 @@ namespace {
 enum ExitCode { success = 0, badInput = 1, badUsage = 2 };
 
 constexpr void (*commands[])(CLI::App&) = {
-    zarno::addBrandCommand,
-    zarno::addCheckCommand,
-    zarno::addInfoCommand,
+    zarno::addBrandCommand,  zarno::addCheckCommand,   zarno::addFieldsCommand, zarno::addInfoCommand,
 #ifdef ZARNO_HAS_DRAWING
     zarno::addMapCommand,
 #endif
     zarno::addPackCommand,
-#ifdef ZARNO_HAS_IMPORT
-    zarno::addImportCommand,
-    zarno::addPresetsCommand,
+#ifdef ZARNO_HAS_PANEL
+    zarno::addPanelCommand,
 #endif
-    zarno::addUnpackCommand,
+#ifdef ZARNO_HAS_IMPORT
+    zarno::addImportCommand, zarno::addPresetsCommand,
+#endif
+    zarno::addUnpackCommand, zarno::addWatchCommand,
 #ifdef ZARNO_HAS_RENDER
     zarno::addRenderCommand,
 #endif

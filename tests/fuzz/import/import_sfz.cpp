@@ -24,7 +24,16 @@ std::vector<std::string> seeds() {
             "<group> sw_lokey=24 sw_hikey=26 sw_last=24 trigger=release rt_decay=6\n<region> sample=a.wav "
             "volume=-6 pan=50 "
             "tune=-10 offset=5 group=1 off_by=1 locc64=64 hicc64=127 lorand=0.2 hirand=0.5\n#include "
-            "\"x.sfz\"\n"};
+            "\"x.sfz\"\n",
+            "<control> set_cc1=64 <curve> curve_index=8 v000=1 v064=0 <group> amplitude_oncc1=100 "
+            "amplitude_curvecc1=8 "
+            "xfin_locc1=9 xfin_hicc1=99 fil_type=hpf_2p cutoff=100 cutoff_oncc1=1200 eq1_gain=6 lfo01_freq=5 "
+            "lfo01_pitch=20 "
+            "fileg_depth=900 pitcheg_depth=99 ampeg_hold=0.1 ampeg_sustain=50 ampeg_decay=1 <region> "
+            "sample=a.wav "
+            "amp_velcurve_64=0.5 amp_veltrack=-50 xfin_lovel=9 xfin_hivel=99 xfout_lokey=60 xfout_hikey=70 "
+            "width=-50 "
+            "direction=reverse hirand=0.3 var01_oncc1=1 var01_pan=50\n"};
 }
 
 const Registered registered({"import_sfz",
@@ -59,6 +68,14 @@ const Registered registered({"import_sfz",
                               "offset=",
                               "locc1=",
                               "pitch_keytrack=",
+                              "amp_velcurve_1=",
+                              "xfout_lovel=",
+                              "volume_oncc1=",
+                              "set_cc1=",
+                              "loop_crossfade=",
+                              "eq1_gain=",
+                              "cutoff=",
+                              "lfo01_freq=",
                               "loop_mode=loop_continuous "}});
 
 } // namespace

@@ -28,8 +28,8 @@ void run(std::string_view input) {
     folder().write("instrument.json", input);
     for (const bool embed : {false, true}) {
         try {
-            std::vector<std::string> missing;
-            const Model model = readInstrumentFolder(folder().path().string(), {embed}, missing);
+            PackNotes notes;
+            const Model model = readInstrumentFolder(folder().path().string(), {.embed = embed}, notes);
             writeInstrumentFile(model, folder() / "out.zse");
         } catch (const MakerError& error) {
             require(error.what()[0] != 0, "an error says what is wrong");

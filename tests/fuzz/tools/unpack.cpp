@@ -20,8 +20,8 @@ void run(std::string_view input) {
         reportToText(report);
         reportToJson(report).dump();
         const auto notes = unpackInstrument(path, folder / "folder", {.overwrite = true});
-        std::vector<std::string> missing;
-        writeInstrumentFile(readInstrumentFolder(folder / "folder", {}, missing), folder / "out.zse");
+        PackNotes packed;
+        writeInstrumentFile(readInstrumentFolder(folder / "folder", {}, packed), folder / "out.zse");
         require(!notes.incomplete.empty() || folder.read("out.zse") == input, "the same bytes come out");
     } catch (const MakerError&) { // refused, in words
     }

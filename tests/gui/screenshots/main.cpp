@@ -205,7 +205,7 @@ class Session final : private juce::Timer {
             auto* part = desktop.getComponent(i);
             const auto place = part->getScreenPosition() - all.getPosition();
             // Menus are scaled as a whole.
-            const float scale = std::sqrt(std::abs(part->getTransform().getDeterminant()));
+            const float scale = part->getDesktopScaleFactor();
             g.drawImageAt(part->createComponentSnapshot(part->getLocalBounds(), true, scale), place.x, place.y);
         }
         juce::MemoryOutputStream png;

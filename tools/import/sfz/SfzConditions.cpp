@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
+#include "tools/import/sfz/SfzCrossfade.h"
 #include "tools/import/sfz/SfzRegion.h"
 
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 
 namespace zarno {
 namespace {
-
-constexpr int controllers = 128;
 
 class ConditionReader {
   public:
@@ -24,7 +24,7 @@ class ConditionReader {
         if (!trigger()) return false;
         alternation();
         keyswitch();
-        controllerRanges();
+        if (!controllerRanges()) return false;
         number("lochan", "hichan", GroupTrigger::Channel, 1, 16);
         number("loprog", "hiprog", GroupTrigger::Program, 0, 127);
         return true;
@@ -35,7 +35,8 @@ class ConditionReader {
     void releaseDecay();
     void alternation();
     void keyswitch();
-    void controllerRanges();
+    bool controllerRanges();
+    bool fadesOfControllers(std::map<int, ImportedRange>& ranges);
     void number(const char* low, const char* high, GroupTrigger kind, int lowest, int highest);
     void require(const ImportedCondition& condition, const std::string& what);
 
@@ -57,7 +58,12 @@ bool ConditionReader::trigger() {
         return false;
     }
     if (trigger == "first") report_.add("trigger=first", "every note plays it", zone_.place);
-    if (trigger == "release_key") report_.add("trigger=release_key", "waits for the pedal", zone_.place);
+    if (trigger == "release_key")
+        report_.add("trigger=release_key", "not played when the key goes up while the pedal is down",
+                    zone_.place);
+    if (trigger == "release")
+        report_.add("release sample under the pedal", "not played when the pedal goes up after the key",
+                    zone_.place);
     zone_.onRelease = trigger == "release" || trigger == "release_key";
     zone_.group = opcodes_.text("group_label");
     releaseDecay();
@@ -86,8 +92,8 @@ void ConditionReader::alternation() {
             report_.add("lorand/hirand beside seq_position", "the sequence alone decides", zone_.place);
     } else if (isRandom) {
         zone_.alternation.kind = Kind::Random;
-        region_.randomLow = low;
-        region_.randomHigh = high;
+        zone_.alternation.low = std::clamp(low, 0.0, 1.0);
+        zone_.alternation.high = std::clamp(high, 0.0, 1.0);
     }
 }
 
@@ -113,41 +119,63 @@ void ConditionReader::keyswitch() {
     if (const std::string* label = opcodes_.find("sw_label")) zone_.group = *label;
 }
 
-void ConditionReader::controllerRanges() {
+// A range that the start value is in stays so, and what needs another value is left out; but where the
+// engine's controllers start as well as the text's, the first of them decides for the group, and can be
+// moved.
+bool ConditionReader::controllerRanges() {
     std::map<int, ImportedRange> ranges;
     const auto limit = [&](const char* prefix, auto&& change) {
         opcodes_.forEachNumbered(prefix, [&](int controller, const std::string& value) {
             const auto number = SfzOpcodes::numberFrom(value);
-            if (number && controller >= 0 && controller < controllers)
+            if (number && controller >= 0 && controller < SfzControllers::noteVelocity)
                 change(ranges[controller], static_cast<int>(std::clamp(*number, 0.0, 127.0)));
         });
     };
     limit("locc", [](ImportedRange& range, int value) { range.low = std::max(range.low, value); });
     limit("hicc", [](ImportedRange& range, int value) { range.high = std::min(range.high, value); });
-
-    std::map<int, ImportedRange> fadesIn{}, fadesOut{};
-    const auto fade = [&](const char* prefix, auto& fades, int ImportedRange::*end) {
-        opcodes_.forEachNumbered(prefix, [&](int controller, const std::string& value) {
-            const auto number = SfzOpcodes::numberFrom(value);
-            if (number && controller >= 0 && controller < controllers)
-                fades[controller].*end = static_cast<int>(std::clamp(*number, 0.0, 127.0));
-        });
-    };
-    fade("xfin_locc", fadesIn, &ImportedRange::low);
-    fade("xfin_hicc", fadesIn, &ImportedRange::high);
-    fade("xfout_locc", fadesOut, &ImportedRange::low);
-    fade("xfout_hicc", fadesOut, &ImportedRange::high);
-    for (const auto& [controller, range] : fadesIn)
-        ranges[controller].low = std::max(ranges[controller].low, (range.low + range.high + 1) / 2);
-    for (const auto& [controller, range] : fadesOut)
-        ranges[controller].high = std::min(ranges[controller].high, (range.low + range.high + 1) / 2 - 1);
-    if (!fadesIn.empty() || !fadesOut.empty())
-        report_.add("crossfade of a controller", "split in the middle, decided when a note starts",
+    if (!fadesOfControllers(ranges)) return false;
+    for (const auto& [controller, range] : ranges) {
+        if (range == ImportedRange()) continue;
+        if (control_.controllers.canFollow(controller) && zone_.condition.kind == GroupTrigger::Always) {
+            zone_.condition = {GroupTrigger::Controller, controller, range.low, range.high};
+            continue;
+        }
+        const double value = std::floor(control_.controllers.start(controller) * 127.0 + 1e-6);
+        if (value >= range.low && value <= range.high) continue;
+        report_.add("region for another value of " + control_.controllers.nameOf(controller), "left out",
                     zone_.place);
+        return false;
+    }
+    return true;
+}
 
-    for (const auto& [controller, range] : ranges)
-        if (range != ImportedRange())
-            require({GroupTrigger::Controller, controller, range.low, range.high}, "controller range");
+// Where a fade can follow its controller it is split in the middle, else it has the level of the start.
+bool ConditionReader::fadesOfControllers(std::map<int, ImportedRange>& ranges) {
+    std::set<int> fading;
+    for (const char* prefix : {"xfin_locc", "xfin_hicc", "xfout_locc", "xfout_hicc"})
+        opcodes_.forEachNumbered(prefix, [&](int controller, const std::string&) {
+            if (controller >= 0 && controller < SfzControllers::noteVelocity) fading.insert(controller);
+        });
+    for (const int controller : fading) {
+        const SfzCrossfade fade = sfzCrossfade(opcodes_, "cc", 0, controller);
+        const double start = control_.controllers.start(controller) * 127.0;
+        const double level = fade.decibelsAt(start);
+        const bool isWhole = level <= silentGain || level == 0.0;
+        if (isWhole && control_.controllers.canFollow(controller) &&
+            zone_.condition.kind == GroupTrigger::Always) {
+            report_.note("crossfade of " + control_.controllers.nameOf(controller),
+                         "split in the middle, decided when a note starts", zone_.place);
+            ImportedRange& range = ranges[controller];
+            if (fade.in) range.low = std::max(range.low, (fade.in->low + fade.in->high + 1) / 2);
+            if (fade.out) range.high = std::min(range.high, (fade.out->low + fade.out->high + 1) / 2 - 1);
+            continue;
+        }
+        report_.add("crossfade of " + control_.controllers.nameOf(controller), "stays at its start value",
+                    zone_.place);
+        if (level <= silentGain) return false;
+        zone_.volume += level;
+    }
+    return true;
 }
 
 // Ranges of one only: a group knows one channel, one program.

@@ -27,16 +27,27 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string currentName(std::string name) {
-    static constexpr std::array<std::array<const char*, 2>, 8> spellings = {{{"loopmode", "loop_mode"},
-                                                                             {"loopstart", "loop_start"},
-                                                                             {"loopend", "loop_end"},
-                                                                             {"offby", "off_by"},
-                                                                             {"gain", "volume"},
-                                                                             {"pitch", "tune"},
-                                                                             {"loop_count", "count"},
-                                                                             {"polyphony_group", "group"}}};
+    static constexpr std::array<std::array<const char*, 2>, 11> spellings = {{{"loopmode", "loop_mode"},
+                                                                              {"filtype", "fil_type"},
+                                                                              {"fil1_type", "fil_type"},
+                                                                              {"lorandom", "lorand"},
+                                                                              {"loopstart", "loop_start"},
+                                                                              {"loopend", "loop_end"},
+                                                                              {"offby", "off_by"},
+                                                                              {"gain", "volume"},
+                                                                              {"pitch", "tune"},
+                                                                              {"loop_count", "count"},
+                                                                              {"polyphony_group", "group"}}};
     for (const auto& [old, current] : spellings)
         if (name == old) return current;
+    for (const std::string_view numbered : {"lfo", "eg", "var"}) { // "lfo01_freq" is "lfo1_freq"
+        if (!name.starts_with(numbered)) continue;
+        std::size_t zeros = numbered.size();
+        while (zeros + 1 < name.size() && name[zeros] == '0' &&
+               std::isdigit(static_cast<unsigned char>(name[zeros + 1])) != 0)
+            ++zeros;
+        name.erase(numbered.size(), zeros - numbered.size());
+    }
     return name;
 }
 

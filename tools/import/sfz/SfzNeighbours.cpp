@@ -2,35 +2,11 @@
 #include "tools/import/sfz/SfzNeighbours.h"
 
 #include <algorithm>
-#include <cmath>
 #include <map>
 #include <set>
-#include <tuple>
 
 namespace zarno {
 namespace {
-
-// Regions that the same note can start divide the range of chances among themselves.
-using Neighbourhood = std::tuple<ImportedRange, ImportedRange, ImportedCondition, bool>;
-
-void numberRandomRegions(std::vector<SfzRegion>& regions, ImportReport& report) {
-    std::map<Neighbourhood, std::map<double, double>> chances; // by their low end
-    const auto neighbourhood = [](const ImportedZone& zone) {
-        return Neighbourhood{zone.keys, zone.velocities, zone.condition, zone.onRelease};
-    };
-    for (const SfzRegion& region : regions)
-        if (region.randomLow) chances[neighbourhood(region.zone)][*region.randomLow] = *region.randomHigh;
-    for (SfzRegion& region : regions) {
-        if (!region.randomLow) continue;
-        const auto& all = chances[neighbourhood(region.zone)];
-        ImportedAlternation& alternation = region.zone.alternation;
-        alternation.count = static_cast<int>(all.size());
-        alternation.position = static_cast<int>(std::distance(all.begin(), all.find(*region.randomLow)));
-        const double share = *region.randomHigh - *region.randomLow;
-        if (std::abs(share * alternation.count - 1.0) > 0.1)
-            report.add("random range of another size", "all alternatives are as likely", region.zone.place);
-    }
-}
 
 // Exclusive groups that cut each other become one number.
 class ChokeClasses {
@@ -69,15 +45,14 @@ void connectChokes(std::vector<SfzRegion>& regions, ImportReport& report) {
         if (group == 0) continue;
         region.zone.choke = classes.root(group);
         if (region.offBy != region.group)
-            report.add("off_by another group", "both groups cut each other and themselves",
-                       region.zone.place);
+            report.note("off_by another group", "both groups cut each other and themselves",
+                        region.zone.place);
     }
 }
 
 } // namespace
 
 void connectSfzRegions(std::vector<SfzRegion>& regions, ImportReport& report) {
-    numberRandomRegions(regions, report);
     connectChokes(regions, report);
 }
 

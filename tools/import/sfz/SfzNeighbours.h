@@ -7,7 +7,7 @@
 
 namespace zarno {
 
-/// What regions mean only together: which of them alternate by chance, and which cut each other.
+/// What regions mean only together: which of them cut each other.
 void connectSfzRegions(std::vector<SfzRegion>& regions, ImportReport& report);
 
 } // namespace zarno

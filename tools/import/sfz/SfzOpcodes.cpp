@@ -30,7 +30,7 @@ const std::string* SfzOpcodes::findAt(Level level, const std::string& name) cons
 }
 
 const std::string* SfzOpcodes::find(const std::string& name) const {
-    for (const Level level : {Region, Group, Master, Global})
+    for (const Level level : {Start, Region, Group, Master, Global})
         if (const std::string* value = findAt(level, name)) return value;
     return nullptr;
 }

@@ -13,10 +13,10 @@
 namespace zarno {
 
 /// The opcodes in force for a region: its own, its group's, its master's and the global ones, the nearer
-/// first. Remembers which were asked for, so that the rest can be reported.
+/// first; before all of them those that controllers change, as they are at the start (see SfzFold.h).
 class SfzOpcodes {
   public:
-    enum Level { Global, Master, Group, Region, levels };
+    enum Level { Global, Master, Group, Region, Start, levels };
 
     /// Begins a section: its level and those within it start empty.
     void begin(Level level);
@@ -43,7 +43,7 @@ class SfzOpcodes {
     /// Calls with each name in force once, and its value.
     template <typename Function>
     void forEach(Function&& function) const {
-        for (int level = Region; level >= Global; --level)
+        for (int level = Start; level >= Global; --level)
             for (const auto& [name, value] : levels_[static_cast<std::size_t>(level)])
                 if (find(name) == &value) function(name, value);
     }

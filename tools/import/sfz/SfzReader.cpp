@@ -15,6 +15,8 @@
 namespace zarno {
 namespace {
 
+std::optional<double> findSfzVibrato(const std::vector<SfzSection>& sections);
+
 class SfzReader {
   public:
     SfzReader(const SfzFiles& files, ImportReport& report)
@@ -32,6 +34,8 @@ class SfzReader {
     const SfzFiles& files_;
     ImportReport& report_;
     SfzControl control_;
+    std::map<ImportedGains, std::shared_ptr<const ImportedGains>>
+        velocityGains_; // once each, of many regions
     SfzOpcodes opcodes_;
     std::vector<SfzRegion> regions_;
     ImportedInstrument instrument_;
@@ -43,7 +47,6 @@ std::string forwardSlashes(std::string path) {
 }
 
 void SfzReader::control(const SfzSection& section) {
-    bool setsControllers = false;
     std::optional<int> notes, octaves;
     for (const SfzOpcode& opcode : section.opcodes) {
         const auto number = SfzOpcodes::numberFrom(opcode.value);
@@ -51,11 +54,9 @@ void SfzReader::control(const SfzSection& section) {
         if (opcode.name == "default_path") control_.defaultPath = opcode.value;
         if (opcode.name == "note_offset") notes = keys;
         if (opcode.name == "octave_offset") octaves = keys;
-        if (opcode.name.starts_with("set_cc") && number.value_or(0.0) != 0.0) setsControllers = true;
     }
     if (notes || octaves)
         control_.noteOffset = std::clamp(notes.value_or(0) + 12 * octaves.value_or(0), -127, 127);
-    if (setsControllers) report_.add("set_ccN", "controllers start at 0", section.place);
 }
 
 void SfzReader::level(SfzOpcodes::Level level, const SfzSection& section) {
@@ -81,12 +82,15 @@ void SfzReader::region(const std::string& place) {
     auto region = readSfzRegion(opcodes_, control_, *entry->info, place, report_);
     if (!region) return;
     region->zone.sample = entry->sample;
+    if (auto& gains = region->zone.velocityGains)
+        gains = velocityGains_.try_emplace(*gains, gains).first->second;
     if (const auto first = opcodes_.key("sw_default"))
         instrument_.firstKeyswitch = *first + control_.noteOffset;
     regions_.push_back(std::move(*region));
 }
 
 void SfzReader::section(const SfzSection& section) {
+    if (section.header == "curve") return; // read before
     if (section.header == "control") return control(section);
     if (section.header == "global") return level(SfzOpcodes::Global, section);
     if (section.header == "master") return level(SfzOpcodes::Master, section);
@@ -102,11 +106,34 @@ void SfzReader::section(const SfzSection& section) {
 
 ImportedInstrument SfzReader::read(const std::vector<SfzSection>& sections) {
     for (const SfzSection& one : sections)
+        control_.controllers.read(one);
+    for (const SfzSection& one : sections)
         section(one);
+    instrument_.volume = chordHeadroom;
+    instrument_.vibratoRate = findSfzVibrato(sections);
     connectSfzRegions(regions_, report_);
     for (SfzRegion& region : regions_)
         instrument_.zones.push_back(std::move(region.zone));
     return std::move(instrument_);
+}
+
+// Hz of the vibrato that the mod wheel brings in, when it does.
+std::optional<double> findSfzVibrato(const std::vector<SfzSection>& sections) {
+    std::map<std::string, double> rates, depths; // by LFO
+    for (const SfzSection& section : sections)
+        for (const SfzOpcode& opcode : section.opcodes) {
+            const std::string lfo = opcode.name.substr(0, opcode.name.find('_'));
+            const double value = SfzOpcodes::numberFrom(opcode.value).value_or(0.0);
+            if (opcode.name == lfo + "_freq") rates[lfo] = value;
+            for (const char* depth :
+                 {"_pitch_oncc1", "_pitch_cc1", "_depthcc1", "_depth_oncc1", "_depth_cc1"})
+                if (opcode.name == lfo + depth && (lfo == "pitchlfo" || lfo.starts_with("lfo")))
+                    depths[lfo] = value;
+        }
+    for (const auto& [lfo, depth] : depths)
+        if (const auto rate = rates.find(lfo); depth != 0.0 && rate != rates.end() && rate->second > 0.0)
+            return rate->second;
+    return std::nullopt;
 }
 
 std::optional<std::string> readTextFile(const std::string& path) {

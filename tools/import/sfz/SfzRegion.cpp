@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 #include "tools/import/sfz/SfzRegion.h"
 
-#include "tools/import/EnvelopeTimes.h"
+#include "tools/import/sfz/SfzCrossfade.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,18 +9,11 @@
 namespace zarno {
 namespace {
 
-constexpr double silentDb = -100.0;
-constexpr double longestTime = 100000.0; // ms
-constexpr double envelopeFall = 70.0;    // dB: what decay and release fall by in the time they say
 constexpr int highestKey = 127;
-
-double decibels(double gain) {
-    return gain > 0.0 ? std::max(silentDb, 20.0 * std::log10(gain)) : silentDb;
-}
 
 class RegionReader {
   public:
-    RegionReader(const SfzOpcodes& opcodes, const SfzControl& control, const SoundFileInfo& sound,
+    RegionReader(SfzOpcodes& opcodes, const SfzControl& control, const SoundFileInfo& sound,
                  const std::string& place, ImportReport& report)
         : opcodes_(opcodes)
         , control_(control)
@@ -33,18 +26,14 @@ class RegionReader {
 
   private:
     bool ranges();
-    void crossfades(const char* what, const std::string& unit, ImportedRange& range);
+    void narrowByCrossfade();
+    void keyCrossfades();
     void pitch();
-    void level();
-    void envelope();
+    void wholeSemitones();
     bool points();
     void loop();
     void exclusive();
-    double milliseconds(const std::string& name, double otherwise) const {
-        return std::clamp(opcodes_.number(name, otherwise) * 1000.0, 0.0, longestTime);
-    }
-
-    const SfzOpcodes& opcodes_;
+    SfzOpcodes& opcodes_;
     const SfzControl& control_;
     const SoundFileInfo& sound_;
     ImportReport& report_;
@@ -63,24 +52,29 @@ bool RegionReader::ranges() {
     zone.keys.high = high >= highestKey ? highestKey : high + control_.noteOffset;
     zone.velocities.low = opcodes_.integer("lovel", 0);
     zone.velocities.high = opcodes_.integer("hivel", 127);
-    crossfades("crossfade of velocities", "vel", zone.velocities);
-    crossfades("crossfade of keys", "key", zone.keys);
+    narrowByCrossfade();
+    keyCrossfades();
     zone.keys = {std::max(zone.keys.low, 0), std::min(zone.keys.high, highestKey)};
     zone.velocities = {std::max(zone.velocities.low, 0), std::min(zone.velocities.high, 127)};
     return true;
 }
 
-// Both sides of a crossfade name the same limits, so that both find the same middle.
-void RegionReader::crossfades(const char* what, const std::string& unit, ImportedRange& range) {
-    const int offset = unit == "key" ? control_.noteOffset : 0;
-    const auto middle = [&](const std::string& fade) -> std::optional<int> {
-        const auto low = opcodes_.key(fade + "_lo" + unit), high = opcodes_.key(fade + "_hi" + unit);
-        if (!low || !high || *low >= *high) return std::nullopt;
-        report_.add(what, "split in the middle", region_.zone.place);
-        return (*low + *high + 1) / 2 + offset;
-    };
-    if (const auto in = middle("xfin")) range.low = std::max(range.low, *in);
-    if (const auto out = middle("xfout")) range.high = std::min(range.high, *out - 1);
+// Velocities at which a crossfade is silence are none of the zone's.
+void RegionReader::narrowByCrossfade() {
+    ImportedRange& range = region_.zone.velocities;
+    const auto fade = sfzCrossfade(opcodes_, "vel", 0);
+    if (fade.in) range.low = std::max(range.low, fade.in->low + (fade.in->low < fade.in->high ? 1 : 0));
+    if (fade.out)
+        range.high = std::min(range.high, fade.out->high - (fade.out->low < fade.out->high ? 1 : 0));
+}
+
+void RegionReader::keyCrossfades() {
+    const auto fade = sfzCrossfade(opcodes_, "key", control_.noteOffset);
+    if (!fade.in && !fade.out) return;
+    ImportedGains gains;
+    for (int key = 0; key <= highestKey; ++key)
+        gains[static_cast<std::size_t>(key)] = static_cast<float>(fade.decibelsAt(key));
+    region_.zone.keyGains = std::make_shared<const ImportedGains>(gains);
 }
 
 void RegionReader::pitch() {
@@ -94,44 +88,26 @@ void RegionReader::pitch() {
     zone.tune += std::clamp(opcodes_.number("tune", 0.0), -9600.0, 9600.0);
     zone.tune += 100.0 * std::clamp(opcodes_.integer("transpose", 0), -127, 127);
     zone.keyTracking = std::clamp(opcodes_.number("pitch_keytrack", 100.0), -1200.0, 1200.0);
-    // Whole semitones belong to the root key: the engine's table of cents reaches two octaves.
-    if (zone.keyTracking == 100.0) {
-        const int semitones = static_cast<int>(std::trunc(zone.tune / 100.0));
-        zone.rootKey -= semitones;
-        zone.tune -= 100.0 * semitones;
-    }
+    constexpr double middle = 0.5;
+    zone.tune += middle * std::clamp(opcodes_.number("pitch_veltrack", 0.0), -9600.0, 9600.0);
 }
 
-void RegionReader::level() {
+// They belong to the root key: the engine's table of cents reaches two octaves.
+void RegionReader::wholeSemitones() {
     ImportedZone& zone = region_.zone;
-    for (const char* name : {"volume", "global_volume", "master_volume", "group_volume"})
-        zone.volume += opcodes_.number(name, 0.0);
-    for (const char* name : {"amplitude", "global_amplitude", "master_amplitude", "group_amplitude"})
-        if (const auto percent = opcodes_.number(name)) zone.volume += decibels(*percent / 100.0);
-    zone.volume = std::clamp(zone.volume, -144.0, 48.0);
-    zone.keyVolume = std::clamp(opcodes_.number("amp_keytrack", 0.0), -96.0, 12.0);
-    zone.keyVolumeCentre = opcodes_.key("amp_keycenter").value_or(60) + control_.noteOffset;
-    zone.pan = std::clamp(opcodes_.number("pan", 0.0) / 100.0, -1.0, 1.0);
-    zone.velocityTracking = std::clamp(opcodes_.number("amp_veltrack", 100.0), -100.0, 100.0) / 100.0;
-}
-
-void RegionReader::envelope() {
-    ImportedEnvelope& envelope = region_.zone.envelope;
-    envelope.attack = milliseconds("ampeg_attack", 0.0);
-    envelope.sustain = decibels(std::min(opcodes_.number("ampeg_sustain", 100.0), 100.0) / 100.0);
-    // Without a decay the engine would never come down to the sustain level.
-    if (envelope.sustain < 0.0)
-        envelope.decay = std::max(envelope::shortestDecay,
-                                  envelope::decayOfFall(milliseconds("ampeg_decay", 0.0), envelopeFall));
-    envelope.release = envelope::releaseOfFall(milliseconds("ampeg_release", 0.001), envelopeFall);
+    if (zone.keyTracking != 100.0) return;
+    const int semitones = static_cast<int>(std::trunc(zone.tune / 100.0));
+    zone.rootKey -= semitones;
+    zone.tune -= 100.0 * semitones;
 }
 
 bool RegionReader::points() {
     ImportedZone& zone = region_.zone;
-    zone.start = opcodes_.frames("offset").value_or(0);
+    // A start by chance is the middle one.
+    zone.start = opcodes_.frames("offset").value_or(0) + opcodes_.frames("offset_random").value_or(0) / 2;
     if (const auto end = opcodes_.number("end")) {
         if (*end < 0.0) {
-            report_.add("region with end=-1", "left out, as asked for", zone.place);
+            report_.note("region with end=-1", "left out, as asked for", zone.place);
             return false;
         }
         if (*end > 0.0) zone.end = *opcodes_.frames("end") + 1;
@@ -141,9 +117,7 @@ bool RegionReader::points() {
 
 void RegionReader::loop() {
     ImportedZone& zone = region_.zone;
-    const bool hasOwnPoints = opcodes_.has("loop_start") || opcodes_.has("loop_end");
-    const std::string mode =
-        opcodes_.text("loop_mode", sound_.hasLoop || hasOwnPoints ? "loop_continuous" : "no_loop");
+    const std::string mode = opcodes_.text("loop_mode", sound_.hasLoop ? "loop_continuous" : "no_loop");
     if (mode == "one_shot" || opcodes_.has("count")) zone.loop = LoopMode::OneShot;
     if (mode != "loop_continuous" && mode != "loop_sustain") return;
     if (zone.onRelease) { // it would never end
@@ -151,12 +125,17 @@ void RegionReader::loop() {
         return;
     }
     if (mode == "loop_sustain")
-        report_.add("loop_sustain", "the loop goes on during the release", zone.place);
+        report_.note("loop_sustain", "the loop goes on during the release", zone.place);
     zone.loop = LoopMode::Loop;
     const std::uint64_t last = std::min(zone.end, sound_.format.frames);
     const auto loopEnd = opcodes_.frames("loop_end");
     zone.loopStart = opcodes_.frames("loop_start").value_or(sound_.hasLoop ? sound_.loopStart : 0);
     zone.loopEnd = std::min(last, loopEnd ? *loopEnd + 1 : sound_.hasLoop ? sound_.loopEnd : last);
+    const double fade =
+        std::clamp(opcodes_.number("loop_crossfade", 0.0), 0.0, 60.0) * sound_.format.sampleRate;
+    if (zone.loopStart < zone.loopEnd) // no longer than what lies before the loop, or the loop itself
+        zone.shaping.loopFade = std::min({static_cast<std::uint64_t>(fade), zone.loopEnd - zone.loopStart,
+                                          zone.loopStart - std::min(zone.start, zone.loopStart)});
 }
 
 void RegionReader::exclusive() {
@@ -171,11 +150,14 @@ void RegionReader::exclusive() {
 }
 
 std::optional<SfzRegion> RegionReader::read() {
+    const std::string place = region_.zone.place;
+    const SfzVelocityLevel velocity = foldControllers(opcodes_, control_.controllers, place, report_);
     if (!ranges() || !points()) return std::nullopt;
     if (!readSfzConditions(opcodes_, control_, region_, report_)) return std::nullopt;
     pitch();
-    level();
-    envelope();
+    if (!readSfzLevel(opcodes_, control_, sound_, velocity, region_.zone, report_)) return std::nullopt;
+    readSfzShaping(opcodes_, control_, region_.zone, report_);
+    wholeSemitones();
     loop();
     exclusive();
     reportSfzOpcodes(opcodes_, region_.zone.place, report_);
@@ -184,7 +166,7 @@ std::optional<SfzRegion> RegionReader::read() {
 
 } // namespace
 
-std::optional<SfzRegion> readSfzRegion(const SfzOpcodes& opcodes, const SfzControl& control,
+std::optional<SfzRegion> readSfzRegion(SfzOpcodes& opcodes, const SfzControl& control,
                                        const SoundFileInfo& sound, const std::string& place,
                                        ImportReport& report) {
     return RegionReader(opcodes, control, sound, place, report).read();
