@@ -277,7 +277,7 @@ TEST_F(WindowOnScreenNames, ReachAssistiveProgramsWithTheirValues) {
         if (control->getWantsKeyboardFocus()) parts.push_back(control.get());
     for (auto* part : parts) {
         ASSERT_NE(part->getAccessibilityHandler(), nullptr);
-        EXPECT_TRUE(part->getAccessibilityHandler()->getTitle().isNotEmpty());
+        EXPECT_TRUE(part->getAccessibilityHandler()->getTitle().isNotEmpty()) << typeid(*part).name();
     }
     controls().knobs[4]->setValue(1.0, juce::sendNotificationSync);
     EXPECT_EQ(controls().knobs[4]->getAccessibilityHandler()->getValueInterface()->getCurrentValueAsString(),
