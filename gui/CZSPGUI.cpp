@@ -95,6 +95,12 @@ void CZSPGUI::fitToPanel() {
     repainter_.repaintForAWhile();
 }
 
+// A host's window that goes away first makes the wrapper around this one, and so this one, 1 x 1. The host may ask for
+// the size next.
+void CZSPGUI::resized() {
+    if (getWidth() <= 1 || getHeight() <= 1) fitToPanel();
+}
+
 void CZSPGUI::setZoom(int percent) {
     zoom_.choose(percent);
     fitToPanel();

@@ -92,6 +92,7 @@ class CZSPGUI final : public juce::AudioProcessorEditor,
     void parentHierarchyChanged() override { followAttachment(); }
     void visibilityChanged() override;
     void paint(juce::Graphics&) override;
+    void resized() override;
 
   private:
     void timerCallback() override;

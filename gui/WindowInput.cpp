@@ -53,8 +53,9 @@ void WindowInput::mouseWheelMove(const juce::MouseEvent& event, const juce::Mous
 
 // JUCE gives it to the component that fills the system's window, which in a host is not ours.
 void WindowInput::takeFocus() {
+    constexpr int pause = 8; // calls: the peer asks the system
     const auto* peer = window_.getPeer();
-    if (peer == nullptr || window_.hasKeyboardFocus(true) || !peer->isFocused()) return;
+    if (++calls_ % pause != 0 || peer == nullptr || window_.hasKeyboardFocus(true) || !peer->isFocused()) return;
     const auto* focused = juce::Component::getCurrentlyFocusedComponent();
     if (focused == nullptr || focused->isParentOf(&window_)) window_.grabKeyboardFocus();
 }

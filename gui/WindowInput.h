@@ -32,6 +32,7 @@ class WindowInput final : public juce::MouseListener {
     CPlayerGUI& panel_;
     Actions actions_;
     float wheelTravel_ = 0.0f; // with Ctrl, since the last step
+    unsigned calls_ = 0;       // of takeFocus
 };
 
 } // namespace zarno

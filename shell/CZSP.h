@@ -15,6 +15,7 @@
 #include <juce_audio_processors/juce_audio_processors.h>
 
 #include <atomic>
+#include <optional>
 
 namespace zarno {
 
@@ -95,6 +96,8 @@ class CZSP final : public juce::AudioProcessor,
     /// [any] Ends the running load, if there is one.
     void cancelLoad() { cancelRequested_ = true; }
 
+    /// No voice waits for the disk any more.
+    void playLive() { noDiskWait_.emplace(engine_); }
     /// Makes the engine's random choices repeatable.
     void seedRandom(std::uint32_t seed);
 
@@ -130,6 +133,7 @@ class CZSP final : public juce::AudioProcessor,
     void performLoad();
 
     ZInstrument engine_;
+    std::optional<ZInstrument::Hurry> noDiskWait_; // for tests
     KeyboardRoute keyboardRoute_{engine_};
     LiveLibrary library_;
     ActivityMeter activity_;

@@ -20,4 +20,8 @@ inline constexpr std::int32_t playingVoices = 2;
 inline constexpr std::int32_t useKernels = 3;
 inline constexpr std::uint32_t noKernels = 0, sse2Kernels = 1, avx2Kernels = 2;
 
+/// From now on no voice waits for the disk. A test that renders faster than real time is ahead of it, as a bounce is,
+/// and voices may use the lead; with this they behave as in a host that plays live.
+inline constexpr std::int32_t playLive = 4;
+
 } // namespace zarno::entryOpcode

@@ -55,6 +55,9 @@ Vst2::VstIntPtr vendorSpecific(CZSP& processor, Vst2::VstIntPtr operation, void*
         processor.engine().useKernels(kernelsOf(number));
         return 1;
     }
+    case entryOpcode::playLive:
+        processor.playLive();
+        return 1;
     case entryOpcode::playingVoices:
         return processor.engine().playingVoices();
     default:

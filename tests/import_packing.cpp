@@ -32,7 +32,12 @@ void writeSound(const std::string& path, int format, int channels) {
     for (int frame = 0; frame < frames; ++frame)
         for (int channel = 0; channel < channels; ++channel)
             values.push_back(static_cast<int>(valueAt(frame, channel) * 2147483648.0));
-    EXPECT_EQ(sf_writef_int(file, values.data(), frames), frames);
+    std::vector<float> floats; // ints are not scaled to floats by default
+    for (const int value : values)
+        floats.push_back(static_cast<float>(value) / 2147483648.0f);
+    const bool isFloat = (format & SF_FORMAT_SUBMASK) == SF_FORMAT_FLOAT;
+    EXPECT_EQ(isFloat ? sf_writef_float(file, floats.data(), frames) : sf_writef_int(file, values.data(), frames),
+              frames);
     sf_close(file);
 }
 

@@ -147,6 +147,8 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
     std::int16_t frames[4] = {};
     EXPECT_EQ(sample.open()->read(frames, 2), 2u);
     EXPECT_THAT(frames, testing::ElementsAre(2000, 1000, 2001, 1001)); // left is the second sample
+    std::vector<std::int16_t> whole(2 * 500);
+    EXPECT_EQ(sample.open()->read(whole.data(), 500), 500u);
 
     builder.preset = {{{G::Instrument, 0}}, {{G::Instrument, 0}}, {{G::FineTune, 9}, {G::Instrument, 0}}};
     const auto layers = import(builder).zones;
@@ -169,10 +171,9 @@ TEST_F(SoundFonts, TwoSidesOfOneRecordingBecomeOneStereoSample) {
     EXPECT_EQ(std::pair(compressed.zones[0].loopStart, compressed.zones[0].loopEnd),
               std::pair(pair.zones[0].loopStart, pair.zones[0].loopEnd));
     const auto decoded = compressed.samples.at(0).open();
-    std::vector<std::int16_t> all(2 * 500), same(2 * 500);
+    std::vector<std::int16_t> all(2 * 500);
     EXPECT_EQ(decoded->read(all.data(), 600), 500u);
-    sample.open()->read(same.data(), 500);
-    EXPECT_EQ(all, same);
+    EXPECT_EQ(all, whole);
     EXPECT_EQ(file.name, "Test");
     builder.compressed = false;
 

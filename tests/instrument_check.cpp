@@ -84,7 +84,7 @@ TEST_F(InstrumentCheck, EveryFaultIsFoundWithItsPlace) {
         {R"({"loopEnd": 100})", "the loop ends at 100, behind the zone's end 99"},
         {R"({"loopStart": 3, "startFrame": 5})", "the loop starts at 3, before the zone's start 5"},
         {R"({"loopStart": 90, "loopEnd": 90})", "the loop's start 90 is not before its end 90"},
-        {R"({"volume": 7})", "its loudest note peaks at +1.0 dB and is clipped", false},
+        {R"({"volume": 7})", "its loudest note peaks at +1.0 dB and is clipped"},
         {R"({"pan": 1.5})", "pan is 1.5: it must be from -1 to 1"},
         {R"({"attack": "0x7fc00000"})", "attack is 0x7fc00000: that is no number"},
     };

@@ -57,7 +57,7 @@ TEST(PanelSource, SaysAllOfALayoutByName) {
               "2=\"101\"/> -->\n"
               "<label x='1' text=\"A &amp; 2=&quot;B\" align=\"left bottom\" control = \"instrument title\" "
               "colour-text=\"ff000000\"/>\n"
-              "<knob picture=\"picture-1.png\" control=\"attack\" colour-arc=\"ff00ff00\" other=\"2\"/>"
+              "<knob picture=\"picture-1.png\" control=\"attack\" colour-ring=\"ff00ff00\" other=\"2\"/>"
               "<knob control=\"controller 1\"/>\n"
               "<button control=\"stop all voices\" stays=\"true\"/><combo control=\"group trigger\"/><KNOB "
               "2=\"101\"/>"

@@ -96,11 +96,14 @@ def play(source, program, zarno, folder, result):
             (folder / name).write_text("")
             drag(source, folder / name, window)
         drag(source, pack_instrument(folder, zarno), window)
-        time.sleep(2.0)
+        for _ in range(100):  # what is loaded becomes the most recent one in the settings
+            texts = [path.read_text(errors="replace") for path in folder.rglob("pluginsettings*")]
+            result["loaded"] = any("Dropped.zse" in text for text in texts)
+            if result["loaded"]:
+                break
+            time.sleep(0.1)
         xdotool("windowactivate", "--sync", window, "key", "alt+F4")
         running.wait(20)
-        texts = [path.read_text(errors="replace") for path in folder.rglob("pluginsettings*")]
-        result["loaded"] = any("Dropped.zse" in text for text in texts)
     finally:
         running.kill()
         GLib.idle_add(Gtk.main_quit)

@@ -213,6 +213,7 @@ class RandomRequests : public OverlappingLoads {
         window.reset();
     }
 
+    const Plugin keepsTheModule = rig.load();
     Chance chance{3};
     std::unique_ptr<HostWindow> window;
 };

@@ -177,6 +177,8 @@ class AudioThread : public testing::Test {
         played = rig.loadActive(live());
         other = rig.loadActive(live());
         ASSERT_TRUE(played && other);
+        for (const auto& plugin : {played.get(), other.get()})
+            ASSERT_EQ(plugin->call(Vst2::effVendorSpecific, entryOpcode::magic, entryOpcode::playLive), 1);
     }
 
     // Plays in a thread of its own, with everything else going on here; programs: how many the played one

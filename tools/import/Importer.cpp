@@ -296,11 +296,11 @@ void Import::fillReport() {
         report_.zones += group.zones.size();
     for (const SampleForm& form : forms_)
         if (form.passes > 1)
-            report_.add("short loop",
-                        streaming_ ? "unrolled to the length of a stream chunk"
-                                   : "unrolled until it is " + std::to_string(SampleForms::shortestLoop) +
-                                         " frames long",
-                        sampleOf(form).name);
+            report_.note("short loop",
+                         streaming_ ? "unrolled to the length of a stream chunk"
+                                    : "unrolled until it is " + std::to_string(SampleForms::shortestLoop) +
+                                          " frames long",
+                         sampleOf(form).name);
 }
 
 void Import::run() {

@@ -15,7 +15,8 @@ struct Effort {
     int keys;       // a copy serves
     double longest; // ms that a loop waits for what moves before it
 };
-constexpr Effort efforts[] = {{3, 4000.0}, {3, 2000.0}, {3, 1000.0}, {5, 1000.0}, {7, 500.0}, {12, 500.0}};
+constexpr Effort efforts[] = {{3, 4000.0}, {3, 2000.0}, {3, 1000.0}, {5, 1000.0},
+                              {7, 500.0},  {12, 500.0}, {24, 250.0}};
 
 class ZoneShaper {
   public:

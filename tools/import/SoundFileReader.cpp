@@ -103,7 +103,7 @@ std::optional<SoundFileInfo> readSoundFileInfo(const std::string& path, std::str
 }
 
 ImportedSample soundFileSample(const std::string& path, const std::string& name, const SoundFormat& format) {
-    return {name, format, [path] { return std::make_unique<SoundFileReader>(path); }};
+    return {name, format, [path] { return std::make_unique<SoundFileReader>(path); }, {}, {}};
 }
 
 } // namespace zarno

@@ -20,7 +20,7 @@ void importOne(const SoundFontFile& file, const SoundFontFile::Preset& preset, c
 
 // Of shaped copies of all presets together, in 16 bits.
 std::uint64_t shapedBytesOf(const SoundFontFile& file) {
-    constexpr std::uint64_t least = 64u << 20, most = 1024u << 20, perByte = 4;
+    constexpr std::uint64_t least = 512u << 20, most = 1024u << 20, perByte = 4;
     return std::clamp(std::uint64_t{2} * file.dataPoints * perByte, least, most);
 }
 

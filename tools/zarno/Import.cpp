@@ -75,7 +75,11 @@ void hear(const std::string& path, ImportReport& report) {
     checkLevels(
         reportOn(path), [](double) {}, findings);
     for (const Finding& finding : findings)
-        report.add(ImportReport::Severity::Error, finding.what, "see zarno check", finding.place);
+        if (finding.what.ends_with("clipped")) // a line for all of them
+            report.add(ImportReport::Severity::Error, "note above full scale",
+                       "clipped; zarno check lists them", finding.place + ": " + finding.what);
+        else
+            report.add(ImportReport::Severity::Error, finding.what, "see zarno check", path);
 }
 
 void import(const Arguments& arguments) {

@@ -7,6 +7,7 @@
 #include "gui/DefaultLayout.h"
 #include "gui/PanelEdits.h"
 #include "platform/Paths.h"
+#include "platform/Utf8.h"
 #include "tools/zarno/Commands.h"
 #include "tools/zarno/FilePaths.h"
 #include "tools/zarno/InstrumentWriter.h"
@@ -49,6 +50,20 @@ class PackedFolder {
     juce::File file_;
 };
 
+// What the window writes into the labels that show the instrument and its active groups.
+void fillLabels(const PanelControls& controls, const ZInstrument& instrument) {
+    const int group = instrument.currentGroupIndex();
+    const std::string title = toUtf8(instrument.texts().name);
+    const std::string active =
+        group < 0 ? "" : toUtf8(instrument.groups()[static_cast<std::size_t>(group)]->name);
+    for (auto* label : controls.labels) {
+        const int id = PanelBuilder::idOf(*label);
+        if (id != 1 && id != 2) continue;
+        label->setText(juce::String::fromUTF8((id == 1 ? title : active).c_str()),
+                       juce::dontSendNotification);
+    }
+}
+
 juce::Image draw(ZInstrument& instrument, const Arguments& arguments) {
     CLookAndFeel lookAndFeel;
     lookAndFeel.install();
@@ -60,6 +75,7 @@ juce::Image draw(ZInstrument& instrument, const Arguments& arguments) {
     if (fault.isNotEmpty())
         throw MakerError(arguments.source, "the layout cannot be shown: " + fault.toStdString());
     ControlRefresh().refresh(panel.controls(), PanelEdits(instrument, {instrument.currentGroupIndex()}));
+    fillLabels(panel.controls(), instrument);
     return panel.createComponentSnapshot(panel.getLocalBounds(), false,
                                          static_cast<float>(arguments.zoom) / 100.0f);
 }

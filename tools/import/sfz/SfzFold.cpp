@@ -133,6 +133,7 @@ void Fold::addVariables() {
     }
     if (values.empty()) return;
     opcodes_.forEach([&](const std::string& name, const std::string& text) {
+        if (modulationFrom(name)) return; // makes the value
         const auto value = values.find(name.substr(0, name.find('_') + 1));
         const auto depth = value == values.end() ? std::nullopt : SfzOpcodes::numberFrom(text);
         if (depth) added_[name.substr(value->first.size())] += *depth * value->second;
