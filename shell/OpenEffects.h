@@ -28,7 +28,7 @@ struct OpenEffect {
     const Vst2::audioMasterCallback host;
     AudioGate gate;
     const Vst2::AEffectDispatcherProc wrapper;
-    std::optional<WindowErrors> windowErrors; ///< while the editor is open
+    std::optional<WindowErrors> windowErrors; ///< from the first opening of the editor on
 
     /// The state as of now. The block stays valid until the same thread asks again.
     juce::MemoryBlock& freshChunk();

@@ -138,15 +138,10 @@ Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
     return callWrapper(*open, effect, call);
 }
 
+// JUCE may still ask about the window after the editor is closed, when the host has destroyed it.
 Vst2::VstIntPtr openEditor(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
     if (!open.windowErrors) open.windowErrors.emplace();
     return callWrapper(open, effect, call);
-}
-
-Vst2::VstIntPtr closeEditor(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
-    const auto result = callWrapper(open, effect, call);
-    open.windowErrors.reset();
-    return result;
 }
 
 Vst2::VstIntPtr sendEvents(OpenEffect& open, Vst2::AEffect* effect, const HostCall& call) {
@@ -170,8 +165,6 @@ Vst2::VstIntPtr dispatch(Vst2::AEffect* effect, Vst2::VstInt32 opcode, Vst2::Vst
         return callWithClosedGate(*open, effect, call);
     case Vst2::effEditOpen:
         return openEditor(*open, effect, call);
-    case Vst2::effEditClose:
-        return closeEditor(*open, effect, call);
     case Vst2::effClose:
         return close(effect, call);
     }
