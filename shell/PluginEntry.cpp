@@ -135,6 +135,8 @@ Vst2::VstIntPtr close(Vst2::AEffect* effect, const HostCall& call) {
     if (open == nullptr) return 0;
     closeGate(*open);
     open->processor.flushMessages();
+    if (open->windowErrors) callWrapper(*open, effect, {Vst2::effEditClose, 0, 0, nullptr, 0.0f});
+    open->windowErrors.reset(); // while JUCE is still connected to the display
     return callWrapper(*open, effect, call);
 }
 

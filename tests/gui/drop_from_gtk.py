@@ -83,6 +83,15 @@ def drag(source, path, window):
     sys.exit(f"the drag of {path.name} does not end")
 
 
+# What is loaded becomes the most recent one in the settings.
+def is_recent(instrument, folder):
+    for _ in range(50):
+        if any(instrument.name in path.read_text(errors="replace") for path in folder.rglob("pluginsettings*")):
+            return True
+        time.sleep(0.1)
+    return False
+
+
 def play(source, program, zarno, folder, result):
     home = {name: str(folder) for name in ("HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME")}
     running = subprocess.Popen((program,), env={**os.environ, **home}, stdout=subprocess.DEVNULL,
@@ -95,13 +104,12 @@ def play(source, program, zarno, folder, result):
         for name in REFUSED:
             (folder / name).write_text("")
             drag(source, folder / name, window)
-        drag(source, pack_instrument(folder, zarno), window)
-        for _ in range(100):  # what is loaded becomes the most recent one in the settings
-            texts = [path.read_text(errors="replace") for path in folder.rglob("pluginsettings*")]
-            result["loaded"] = any("Dropped.zse" in text for text in texts)
-            if result["loaded"]:
+        instrument = pack_instrument(folder, zarno)
+        for _ in range(3):  # on a busy machine a drag may end before the window has answered it
+            drag(source, instrument, window)
+            if is_recent(instrument, folder):
+                result["loaded"] = True
                 break
-            time.sleep(0.1)
         xdotool("windowactivate", "--sync", window, "key", "alt+F4")
         running.wait(20)
     finally:
