@@ -331,10 +331,11 @@ TEST_F(PackUnpack, ErrorsSayWhereAndWhy) {
 }
 
 TEST_F(PackUnpack, AllFaultsAreToldInOrderWithLineAndColumn) {
-    const std::string path = folder.write("folder/instrument.json", R"({ "format": "zarno-instrument",
+    const std::string written = folder.write("folder/instrument.json", R"({ "format": "zarno-instrument",
   "settings": { "quality": "best", "\u0050an": 1,
     "pan": 2 }, "Title": "\u00fc\"}",
   "groups": [ { "zones": [] }, { "\u00fc": [[1], {}], "settings": { "highKey": 200, "lfoRate": 1 } } ] })");
+    const std::string path = std::filesystem::path(written).make_preferred().string();
     EXPECT_EQ(packErrorOfFolder(),
               path +
                   ":2:17: settings.quality: there is no \"best\" here: it must be \"Low\", "

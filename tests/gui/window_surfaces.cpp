@@ -43,8 +43,9 @@ std::vector<juce::String> texts(const std::vector<LibraryView::Row>& rows) {
 TEST(LibraryView, ShowsFoldersAndFindsEveryWord) {
     LibraryView view;
     view.setLibrary({"Tuba 10", "Tuba 9", "Grand", "Organ"},
-                    {"/lib/Brass/a.zse", "/lib/Brass/b.zse", "/lib/c.zse", "/user/Keys/d.zse"}, {"/lib", "/user"},
-                    {"/user/Keys/d.zse", "/gone.zse"});
+                    {rooted("/lib/Brass/a.zse"), rooted("/lib/Brass/b.zse"), rooted("/lib/c.zse"),
+                     rooted("/user/Keys/d.zse")},
+                    {rooted("/lib"), rooted("/user")}, {rooted("/user/Keys/d.zse"), rooted("/gone.zse")});
     EXPECT_THAT(texts(view.rows()), ElementsAre("# Recent", "Organ", "# Library", "Grand", "# Brass", "Tuba 9",
                                                 "Tuba 10", "# Keys", "Organ"));
     EXPECT_EQ(view.rowOf(3), 8);
@@ -58,7 +59,7 @@ TEST_F(Window, TypingInTheBrowserFindsOneOfTwoThousand) {
     link.titles.clear();
     for (int i = 0; i < 2000; ++i) {
         link.titles.add("Instrument " + juce::String(i));
-        link.paths.add("/library/" + juce::String(i % 40) + "/" + juce::String(i) + ".zse");
+        link.paths.add(rooted("/library/") + juce::String(i % 40) + "/" + juce::String(i) + ".zse");
     }
     open();
     window->openBrowser();

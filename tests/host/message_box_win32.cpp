@@ -69,7 +69,7 @@ TEST(MessageBoxOnScreen, AFailedLoadShowsOneThatOutlivesTheModule) {
         std::string error;
         const auto window = HostWindow::open(*plugin, error);
         ASSERT_NE(window, nullptr) << error;
-        std::filesystem::resize_file(broken, 3);
+        std::ofstream(broken) << "no instrument";
         plugin->selectProgram(1);
         for (int i = 0; i < 500 && box == nullptr; ++i) {
             window->run(0.02);

@@ -26,24 +26,36 @@ class ScratchFolder {
     }
 
     const std::filesystem::path& path() const { return path_; }
-    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    std::string operator/(const std::string& name) const { return text(path_ / native(name)); }
 
     std::string write(const std::string& name, std::string_view bytes) const {
-        const auto file = path_ / name;
+        const auto file = path_ / native(name);
         std::filesystem::create_directories(file.parent_path());
 #ifndef _WIN32 // there a file that is still open would only be marked for removal, and not be replaceable
         std::filesystem::remove(file); // some file systems flush a file that is replaced in place
 #endif
         std::ofstream(file, std::ios::binary) << bytes;
-        return file.string();
+        return text(file);
     }
 
     std::string read(const std::string& name) const {
-        std::ifstream file(path_ / name, std::ios::binary);
+        std::ifstream file(path_ / native(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
     }
 
   private:
+    // Names are UTF-8 on every system; on POSIX any bytes.
+#ifdef _WIN32
+    static std::filesystem::path native(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+    static std::string text(const std::filesystem::path& path) {
+        const auto utf8 = path.u8string();
+        return {utf8.begin(), utf8.end()};
+    }
+#else
+    static const std::string& native(const std::string& name) { return name; }
+    static std::string text(const std::filesystem::path& path) { return path.string(); }
+#endif
+
     std::filesystem::path path_;
 };
 

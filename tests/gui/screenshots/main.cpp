@@ -40,9 +40,9 @@ void fillEngine(FakeLink& link) {
     engine.texts().title = "Lantern Tines";
     engine.texts().remark = "A tine piano and a mallet instrument, computed.";
     link.titles = {"Lantern Tines", "Glass Bells", "Harbour Organ", "Felt Upright"};
-    link.paths = {"/library/Lantern Tines.zse", "/library/Bells/glass.zse", "/library/Organs/harbour.zse",
-                  "/library/Keys/felt.zse"};
-    link.settings["recent instruments"] = "/library/Organs/harbour.zse";
+    link.paths = {rooted("/library/Lantern Tines.zse"), rooted("/library/Bells/glass.zse"),
+                  rooted("/library/Organs/harbour.zse"), rooted("/library/Keys/felt.zse")};
+    link.settings["recent instruments"] = rooted("/library/Organs/harbour.zse");
     link.heard = {0.25f, 0.03};
     link.index = 0;
     ++link.library;
@@ -86,6 +86,7 @@ class Session final : private juce::Timer {
                   {"drop-refused", [this] { window_->fileDragEnter({"/tmp/Strings.sfz"}, 0, 0); }},
                   {"first-run", [this] { empty(); }},
                   {"example", [this] { showExample(); }}};
+        juce::Desktop::setMousePosition({1590, 1090}); // beside the window
         startTimer(stepMs);
     }
 
@@ -126,6 +127,7 @@ class Session final : private juce::Timer {
         finishLoading();
     }
     void empty() {
+        link_.folders = {"/library"}; // the same text on every system
         window_->fileDragExit({});
         link_.succeeded = true;
         link_.report = {};

@@ -34,6 +34,15 @@ struct SilentProcessor final : juce::AudioProcessor {
     void setStateInformation(const void*, int) override {}
 };
 
+// An absolute path on this system.
+inline juce::String rooted(const char* path) {
+#if JUCE_WINDOWS
+    return juce::String("C:") + path;
+#else
+    return path;
+#endif
+}
+
 // What the window sees of a processor, with an engine that a test fills itself.
 struct FakeLink final : EditorLink, juce::ListBoxModel {
     ZInstrument instrument;
@@ -43,7 +52,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     std::atomic<std::uint32_t> groups{0}; // counted on the audio thread
     std::uint32_t loads = 0;
     std::optional<std::uint32_t> toldLoad;
-    juce::StringArray titles, paths;
+    juce::StringArray titles, paths, folders{rooted("/library")};
     juce::String libraryText;
     Activity heard;
     bool silent = false, isCancelled = false;
@@ -91,7 +100,7 @@ struct FakeLink final : EditorLink, juce::ListBoxModel {
     bool hasAudioSettings() const override { return silent; }
     void showAudioSettings() override {}
     juce::StringArray instrumentPaths() const override { return paths; }
-    juce::StringArray libraryFolders() const override { return {"/library"}; }
+    juce::StringArray libraryFolders() const override { return folders; }
     void refreshLibrary() override { ++library; }
     std::uint32_t libraryGeneration() override { return library; }
     void cancelLoad() override { isCancelled = true; }
