@@ -83,8 +83,8 @@ TEST(LoadingApart, AbandonedReaderEndsByItself) {
     ASSERT_TRUE(job);
     while (job->wait(5) == LoadJob::State::Reading) {
     }
-    job->cancel();
     EXPECT_EQ(threadsNamed("ZSP Reader"), 1);
+    job->cancel();
     LoadJob::abandon(std::move(job));
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     while (threadsNamed("ZSP Reader") > 0 && std::chrono::steady_clock::now() < end)

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace zarno::test {
 namespace {
 
@@ -22,7 +24,9 @@ class SampleSearching : public testing::Test {
             {chosen, home}, {}, [this] { return ++stepsTaken <= stepsLeft; }, clock);
     }
     std::string at(const std::string& name) const {
-        return std::filesystem::path(folder / name).make_preferred().string();
+        std::string path = folder / name;
+        if (std::filesystem::path::preferred_separator == '\\') std::replace(path.begin(), path.end(), '/', '\\');
+        return path;
     }
 };
 

@@ -46,7 +46,13 @@ class ScratchFolder {
   private:
     // Names are UTF-8 on every system; on POSIX any bytes.
 #ifdef _WIN32
-    static std::filesystem::path native(const std::string& name) { return std::u8string(name.begin(), name.end()); }
+    static std::filesystem::path native(const std::string& name) {
+        try {
+            return std::u8string(name.begin(), name.end());
+        } catch (const std::system_error&) { // not UTF-8
+            return name;
+        }
+    }
     static std::string text(const std::filesystem::path& path) {
         const auto utf8 = path.u8string();
         return {utf8.begin(), utf8.end()};
