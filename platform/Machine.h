@@ -7,7 +7,7 @@
 
 namespace zarno {
 
-/// The same bytes for all paths that lead to one file or folder, whatever links, dots and letter case are in
+/// The same bytes for all paths that lead to one file or folder, regardless of links, dots and letter case in
 /// them; another's differ while both are there. Empty when there is none. Asks the disk.
 std::string fileIdentity(std::string_view path);
 

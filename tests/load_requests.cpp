@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
-// Which instrument becomes current, loads, waits and is saved, whatever order the requests come in.
+// Which instrument becomes current, loads, waits and is saved, for requests in any order.
 #include "shell/LoadController.h"
 #include "tests/support/Chance.h"
 

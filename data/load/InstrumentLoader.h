@@ -34,7 +34,7 @@ struct LoadOptions {
     std::function<void()> alive;     ///< called now and then until the delegate is: the file answers
 };
 
-/// [reader, loading] Reads the instrument file at `path` (native form, UTF-8) into `contents`, which is to be fresh. A file
+/// [reader, loading] Reads the instrument file at `path` (native form, UTF-8) into `contents`, which must be new. A file
 /// that ends early is read as far as it goes and marked in the texts. A load that fails, is cancelled or runs
 /// out of memory leaves what was read so far. The delegate is asked between samples and between the chunks of
 /// a large one whether to go on. Touches nothing but its arguments. Never throws.

@@ -34,7 +34,7 @@ struct LoadProblem {
 };
 
 /// One English sentence for the user, with a full stop: what happened to which file and, where the user can
-/// do something, what. Valid UTF-8 whatever the names hold. Empty for Kind::None.
+/// do something, what. Valid UTF-8 for names in any encoding. Empty for Kind::None.
 std::string sentence(const LoadProblem& problem);
 
 /// A file asks for more than data/Limits.h allows. Thrown and caught inside data/load; not a lack of memory.

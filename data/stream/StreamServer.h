@@ -40,7 +40,7 @@ class StreamServer final : public ZSEThreadClient {
 
     /// What the audio thread knows of the block that it begins.
     struct Block {
-        bool offline = false;    ///< voices wait for their buffers, whatever the lead
+        bool offline = false;    ///< voices wait for their buffers, with or without a lead
         double renderedMs = 0.0; ///< the length of all blocks before it
         double lengthMs = 0.0;
     };

@@ -126,7 +126,7 @@ TEST_F(MissingSamplesOnScreen, WhoCancelsIsAskedOncePerLoad) {
     EXPECT_EQ(levelOfNote(127), 0.0f);
 }
 
-// The host waits for its chunk to be taken: the question comes behind it, and the player's settings survive
+// The host waits for its chunk to be taken: the question follows, and the player's settings survive
 // the answer.
 TEST_F(MissingSamplesOnScreen, ARestoredProjectAsksBehindTheHostsBack) {
     open();

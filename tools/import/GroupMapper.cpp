@@ -133,7 +133,7 @@ bool isSteady(const ImportedZone& zone) {
     return zone.alternation.kind == Kind::None;
 }
 
-// One group, whatever it takes, and a group either alternates or has layers. A few zones that lie on top of
+// Always one group, and a group either alternates or has layers. A few zones that lie on top of
 // alternating ones are left out; where there are many of them, all layers sound, each with its first
 // alternative.
 void GroupMapper::mapKeyswitched(const Profile& profile, const std::vector<ImportedZone>& zones) {

@@ -22,7 +22,7 @@ class SampleLibrary {
 
     struct Wave {
         std::string name; ///< without folder and extension
-        bool isNew;       ///< no instrument before had it: it is to be written
+        bool isNew;       ///< no instrument before had it: the caller writes it
     };
     Wave wave(const ImportedSample& sample, const SampleForm& form, int bytesPerSample);
 

@@ -17,7 +17,7 @@ namespace {
 constexpr std::size_t mostChannels = 2;
 using Frame = std::array<float, mostChannels>;
 
-// The frames of a part one after the other, the loop again and again; silence behind the end. A reversed part
+// The frames of a part one after the other, the loop again and again; silence after the end. A reversed part
 // is read whole before it begins.
 class PartFrames {
   public:
